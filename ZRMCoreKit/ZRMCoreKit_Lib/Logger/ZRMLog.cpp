@@ -1,0 +1,41 @@
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLog.h"
+
+#include <array>
+#include <cstdio>
+
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLoggerCollection.h"
+
+std::string zrm_logText(const void* object, std::string_view file, int line, std::string_view text) {
+    const auto lastComponent = file.substr(file.find_last_of('/') + 1);
+    std::array<char, 2 + 2 * sizeof(void*) + 1> address{};
+    std::snprintf(address.data(), address.size(), "0x%llx",
+                  static_cast<unsigned long long>(reinterpret_cast<std::uintptr_t>(object)));
+    std::string whole = "<";
+    whole.append(address.data()).append(" ").append(lastComponent).append(":(");
+    whole.append(std::to_string(line)).append(")> ").append(text);
+    return whole;
+}
+
+namespace {
+
+void logAtLevel(const void* object, std::string_view text, const char* file, int line,
+                ZRMLogLevel level) {
+    const auto loggers = ZRMLoggerCollection::sharedInstance();
+    if (loggers->accepts(level)) {
+        loggers->logMessage(zrm_logText(object, file, line, text), level);
+    }
+}
+
+}  // namespace
+
+void zrm_logError(const void* object, std::string_view text, const char* file, int line) {
+    logAtLevel(object, text, file, line, kZRMLogLevelError);
+}
+
+void zrm_logVerbose(const void* object, std::string_view text, const char* file, int line) {
+    logAtLevel(object, text, file, line, kZRMLogLevelVerbose);
+}
+
+bool zrm_isLogLevelAccepted(ZRMLogLevel level) {
+    return ZRMLoggerCollection::sharedInstance()->accepts(level);
+}

@@ -1,0 +1,77 @@
+// A weak, locked set of observers.
+#pragma once
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "ZRMPlatform/Ports/ZRMConsoleLog.h"
+
+// May be used from any thread. A member that was destroyed drops out by itself. The lock is held
+// during notification: a callback must not add or remove observers of the same collection.
+template <class Observer>
+class ZRMObserversCollection {
+  public:
+    explicit ZRMObserversCollection(std::shared_ptr<ZRMConsoleLog> consoleLog)
+        : consoleLog_(std::move(consoleLog)) {}
+
+    // A member that is there already is left alone, with a warning on the console.
+    void addObserver(const std::shared_ptr<Observer>& observer) {
+        const std::lock_guard lock(mutex_);
+        dropDestroyed();
+        if (find(observer.get()) != observers_.end()) {
+            consoleLog_->write(
+                "<WARNING>: Attempt to add observer which had been added already\n");
+            return;
+        }
+        observers_.push_back({observer, observer.get()});
+    }
+
+    // By address, so that an observer may leave in its own destructor.
+    void removeObserver(const Observer* observer) {
+        const std::lock_guard lock(mutex_);
+        const auto member = find(observer);
+        if (member == observers_.end()) {
+            consoleLog_->write(
+                "<WARNING>: Attempt to remove observer which hasn't been added yet\n");
+            return;
+        }
+        observers_.erase(member);
+    }
+
+    void removeAll() {
+        const std::lock_guard lock(mutex_);
+        observers_.clear();
+    }
+
+    // Calls back once with each living member, in no particular order.
+    void notifyWithBlock(const std::function<void(Observer&)>& block) {
+        const std::lock_guard lock(mutex_);
+        dropDestroyed();
+        for (const auto& member : observers_) {
+            if (const auto observer = member.weak.lock()) {
+                block(*observer);
+            }
+        }
+    }
+
+  private:
+    struct Member {
+        std::weak_ptr<Observer> weak;
+        const Observer* address;
+    };
+
+    auto find(const Observer* observer) {
+        return std::ranges::find(observers_, observer, &Member::address);
+    }
+
+    void dropDestroyed() {
+        std::erase_if(observers_, [](const Member& member) { return member.weak.expired(); });
+    }
+
+    std::shared_ptr<ZRMConsoleLog> consoleLog_;
+    std::mutex mutex_;
+    std::vector<Member> observers_;
+};

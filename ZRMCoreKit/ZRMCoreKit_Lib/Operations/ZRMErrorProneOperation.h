@@ -1,0 +1,26 @@
+// An asynchronous operation with an error for a result.
+#pragma once
+
+#include <optional>
+
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Operations/ZRMAsynchronousOperation.h"
+#include "ZRMPlatform/Ports/Values/ZRMError.h"
+
+class ZRMErrorProneOperation : public ZRMAsynchronousOperation {
+  public:
+    using ZRMAsynchronousOperation::ZRMAsynchronousOperation;
+
+    // Absent on success and until the operation has finished. Changes are announced as "error".
+    [[nodiscard]] std::optional<ZRMError> error() const;
+
+    // Cancels, and finishes when executing.
+    void cancel() override;
+
+  protected:
+    // Stores the error and finishes, only while executing; otherwise the error is dropped.
+    void finishWithError(std::optional<ZRMError> error);
+
+  private:
+    mutable std::mutex errorMutex_;
+    std::optional<ZRMError> error_;
+};

@@ -1,0 +1,28 @@
+// The server's clock, learnt once from a "Date" header and advanced by the local uptime.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "ZRMPlatform/Ports/ZRMClock.h"
+
+// May be used from any thread.
+class ZRMServerTimeProvider {
+  public:
+    explicit ZRMServerTimeProvider(std::shared_ptr<ZRMClock> clock);
+
+    // The text of a "Date" response header. Only the first good one counts; a text that is no date
+    // leaves the time unknown.
+    void setTime(const std::string& dateHeader);
+    // Milliseconds since 1970, or 0 while not valid.
+    [[nodiscard]] std::int64_t getTime() const;
+    [[nodiscard]] bool isValid() const;
+
+  private:
+    std::shared_ptr<ZRMClock> clock_;
+    mutable std::mutex mutex_;
+    std::int64_t serverResponseTime_ = 0;  // milliseconds since 1970
+    std::int64_t upTime_ = 0;              // milliseconds of uptime when the date was taken
+};

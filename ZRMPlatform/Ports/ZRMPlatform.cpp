@@ -1,0 +1,34 @@
+#include "ZRMPlatform/Ports/ZRMPlatform.h"
+
+#include <mutex>
+
+namespace {
+
+// Never destroyed: threads of the library may still ask while the process exits.
+struct Installed {
+    std::mutex mutex;
+    std::shared_ptr<const ZRMPlatform> platform;
+};
+
+Installed& installed() {
+    static auto* const instance = new Installed;
+    return *instance;
+}
+
+}  // namespace
+
+std::shared_ptr<const ZRMPlatform> ZRMPlatform::current() {
+    auto& slot = installed();
+    const std::lock_guard lock(slot.mutex);
+    if (!slot.platform) {
+        slot.platform = zrm_makeDefaultPlatform();
+    }
+    return slot.platform;
+}
+
+void ZRMPlatform::install(std::shared_ptr<const ZRMPlatform> platform) {
+    auto& slot = installed();
+    std::shared_ptr<const ZRMPlatform> previous;  // released after the lock
+    const std::lock_guard lock(slot.mutex);
+    previous = std::exchange(slot.platform, std::move(platform));
+}

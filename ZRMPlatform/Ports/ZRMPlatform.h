@@ -1,0 +1,55 @@
+// The device the library runs on: one body for every port.
+#pragma once
+
+#include <memory>
+
+#include "ZRMPlatform/Ports/ZRMBundles.h"
+#include "ZRMPlatform/Ports/ZRMClock.h"
+#include "ZRMPlatform/Ports/ZRMConsoleLog.h"
+#include "ZRMPlatform/Ports/ZRMDevice.h"
+#include "ZRMPlatform/Ports/ZRMDigests.h"
+#include "ZRMPlatform/Ports/ZRMExecutor.h"
+#include "ZRMPlatform/Ports/ZRMFileManager.h"
+#include "ZRMPlatform/Ports/ZRMKeychainItems.h"
+#include "ZRMPlatform/Ports/ZRMKeyedArchive.h"
+#include "ZRMPlatform/Ports/ZRMProcessInstances.h"
+#include "ZRMPlatform/Ports/ZRMRandom.h"
+#include "ZRMPlatform/Ports/ZRMReachabilityTarget.h"
+#include "ZRMPlatform/Ports/ZRMRsaKeys.h"
+#include "ZRMPlatform/Ports/ZRMUrlSession.h"
+#include "ZRMPlatform/Ports/ZRMUserDefaults.h"
+
+// Every port is present. The struct does not change once it is installed.
+struct ZRMPlatform {
+    std::shared_ptr<ZRMExecutor> executor;
+    std::shared_ptr<ZRMClock> clock;
+    std::shared_ptr<ZRMUrlSessionFactory> urlSessions;
+    std::shared_ptr<ZRMDigests> digests;
+    std::shared_ptr<ZRMRsaKeys> rsaKeys;
+    std::shared_ptr<ZRMFileManager> fileManager;
+    std::shared_ptr<ZRMDirectories> directories;
+    std::shared_ptr<ZRMUserDefaults> userDefaults;
+    std::shared_ptr<ZRMKeyedArchiver> keyedArchiver;
+    std::shared_ptr<ZRMKeychainItems> keychainItems;
+    std::shared_ptr<ZRMMainBundle> mainBundle;
+    std::shared_ptr<ZRMResourceBundles> resourceBundles;
+    std::shared_ptr<ZRMReachabilityTargets> reachabilityTargets;
+    std::shared_ptr<ZRMDevice> device;
+    std::shared_ptr<ZRMLinkLayer> linkLayer;
+    std::shared_ptr<ZRMLocaleSource> locale;
+    std::shared_ptr<ZRMLocationAuthorization> locationAuthorization;
+    std::shared_ptr<ZRMProcessEnvironment> processEnvironment;
+    std::shared_ptr<ZRMConsoleLog> consoleLog;
+    std::shared_ptr<ZRMRandom> random;
+    std::shared_ptr<ZRMProcessInstances> instances = std::make_shared<ZRMProcessInstances>();
+
+    // The installed platform; where none was installed, the default body is made and installed.
+    // From any thread.
+    static std::shared_ptr<const ZRMPlatform> current();
+
+    // Replaces the platform for what is made from now on; what exists keeps the one it was made with.
+    static void install(std::shared_ptr<const ZRMPlatform> platform);
+};
+
+// Makes the body that current() falls back to. Defined by the platform folder that is linked in.
+std::shared_ptr<const ZRMPlatform> zrm_makeDefaultPlatform();

@@ -1,0 +1,29 @@
+// The process-wide single instances, kept by the platform they run on.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <typeindex>
+#include <typeinfo>
+#include <unordered_map>
+
+// One instance a type, made on first use under a lock and kept as long as the platform is. A
+// simulated device that "restarts the process" installs a platform with none made yet.
+class ZRMProcessInstances {
+  public:
+    template <class T>
+    std::shared_ptr<T> shared(const std::function<std::shared_ptr<T>()>& make) {
+        const std::lock_guard lock(mutex_);
+        auto& slot = instances_[typeid(T)];
+        if (!slot) {
+            slot = make();
+        }
+        return std::static_pointer_cast<T>(slot);
+    }
+
+  private:
+    // Re-entrant: making one instance may ask for another.
+    std::recursive_mutex mutex_;
+    std::unordered_map<std::type_index, std::shared_ptr<void>> instances_;
+};

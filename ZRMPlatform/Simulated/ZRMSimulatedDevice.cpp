@@ -1,0 +1,1 @@
+#include "ZRMPlatform/Ports/ZRMPlatform.h"

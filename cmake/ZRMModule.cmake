@@ -1,0 +1,40 @@
+# One target a module. A module names its sources and the modules it may know; nothing else links.
+#
+#   zrm_add_module(corekit SOURCES a.cpp b.cpp PUBLIC zrm::ports PRIVATE ZLIB::ZLIB)
+#   zrm_add_tests(corekit SOURCES aTest.cpp DEPENDS zrm::corekit)
+
+add_library(zrm_pch OBJECT "${CMAKE_CURRENT_LIST_DIR}/ZRMPrecompiled.cpp")
+target_link_libraries(zrm_pch PUBLIC zrm_options)
+target_precompile_headers(zrm_pch PRIVATE "${CMAKE_CURRENT_LIST_DIR}/ZRMPrecompiled.h")
+
+function(zrm_add_module NAME)
+  cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+  add_library(zrm_${NAME} STATIC ${ARG_SOURCES})
+  add_library(zrm::${NAME} ALIAS zrm_${NAME})
+  target_link_libraries(zrm_${NAME} PUBLIC ${ARG_PUBLIC} PRIVATE zrm_options ${ARG_PRIVATE})
+  target_include_directories(zrm_${NAME} PUBLIC "${PROJECT_SOURCE_DIR}")
+  target_precompile_headers(zrm_${NAME} REUSE_FROM zrm_pch)
+  set_property(GLOBAL APPEND PROPERTY ZRM_MODULES ${NAME})
+endfunction()
+
+if(ZRM_BUILD_TESTS)
+  add_library(zrm_test_pch OBJECT "${CMAKE_CURRENT_LIST_DIR}/ZRMPrecompiled.cpp")
+  target_link_libraries(zrm_test_pch PUBLIC zrm_options GTest::gmock)
+  target_precompile_headers(zrm_test_pch PRIVATE
+    "${CMAKE_CURRENT_LIST_DIR}/ZRMPrecompiled.h" <gmock/gmock.h> <gtest/gtest.h>)
+endif()
+
+# Every test program links both device bodies; the tests choose which one they install.
+function(zrm_add_tests NAME)
+  if(NOT ZRM_BUILD_TESTS)
+    return()
+  endif()
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
+  add_executable(zrm_${NAME}_tests ${ARG_SOURCES})
+  target_link_libraries(zrm_${NAME}_tests PRIVATE
+    zrm_options ${ARG_DEPENDS} zrm::platform_simulated zrm::platform_linux
+    GTest::gtest_main GTest::gmock)
+  target_precompile_headers(zrm_${NAME}_tests REUSE_FROM zrm_test_pch)
+  gtest_discover_tests(zrm_${NAME}_tests TEST_PREFIX "${NAME}/" DISCOVERY_TIMEOUT 60
+    PROPERTIES TIMEOUT 300)
+endfunction()

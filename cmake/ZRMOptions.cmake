@@ -1,0 +1,52 @@
+# Build settings shared by every target: language level, warnings, sanitizers, caches.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_PCH_INSTANTIATE_TEMPLATES ON)
+
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Debug CACHE STRING "Build type" FORCE)
+endif()
+
+option(ZRM_BUILD_TESTS "Build the tests" ON)
+option(ZRM_COVERAGE "Instrument for coverage" OFF)
+option(ZRM_FUZZ "Build the fuzz targets (needs clang)" OFF)
+set(ZRM_SANITIZE "" CACHE STRING "Sanitizers, for example address,undefined or thread")
+
+# What the risk server's operator decides when the library is built for a customer.
+set(ZRM_SETTINGS_URL "https://localhost:8443/config/v1" CACHE STRING "Default settings endpoint")
+set(ZRM_STATISTICS_URL "https://localhost:8443/stat" CACHE STRING "Default statistics endpoint")
+set(ZRM_DEVICE_TAG_URL "https://localhost:8443/zwjsqd" CACHE STRING "Default device-tag endpoint")
+set(ZRM_CLIENT_ID "demosite" CACHE STRING "Default customer identifier")
+set(ZRM_DEVICE_NAME_XOR_KEY "ZRMMobileKit" CACHE STRING "Key that veils the device name")
+
+find_program(ZRM_CCACHE ccache)
+if(ZRM_CCACHE)
+  set(CMAKE_C_COMPILER_LAUNCHER "${ZRM_CCACHE}")
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${ZRM_CCACHE}")
+endif()
+
+add_library(zrm_options INTERFACE)
+target_compile_options(zrm_options INTERFACE
+  -Wall -Wextra -Wconversion -Wshadow -Wpedantic -Werror
+  $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety -Xclang -fno-pch-timestamp>)
+target_include_directories(zrm_options INTERFACE "${PROJECT_SOURCE_DIR}")
+
+# Line tables are enough for backtraces and keep debug links quick.
+set(CMAKE_CXX_FLAGS_DEBUG "-g1 -O0 -D_GLIBCXX_ASSERTIONS")
+
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  add_link_options(-fuse-ld=lld)
+endif()
+if(ZRM_SANITIZE)
+  add_compile_options(-fsanitize=${ZRM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${ZRM_SANITIZE})
+endif()
+if(ZRM_COVERAGE)
+  add_compile_options(--coverage -fprofile-update=atomic)
+  add_link_options(--coverage)
+endif()

@@ -1,0 +1,1 @@
+// Carries the precompiled header for the modules that reuse it.
