@@ -3,9 +3,17 @@
 #   zrm_add_module(corekit SOURCES a.cpp b.cpp PUBLIC zrm::ports PRIVATE ZLIB::ZLIB)
 #   zrm_add_tests(corekit SOURCES aTest.cpp DEPENDS zrm::corekit)
 
+# gcc accepts a precompiled header only under the very same macros, which differ between modules.
+set(ZRM_USE_PCH OFF)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  set(ZRM_USE_PCH ON)
+endif()
+
 add_library(zrm_pch OBJECT "${CMAKE_CURRENT_LIST_DIR}/ZRMPrecompiled.cpp")
 target_link_libraries(zrm_pch PUBLIC zrm_options)
-target_precompile_headers(zrm_pch PRIVATE "${CMAKE_CURRENT_LIST_DIR}/ZRMPrecompiled.h")
+if(ZRM_USE_PCH)
+  target_precompile_headers(zrm_pch PRIVATE "${CMAKE_CURRENT_LIST_DIR}/ZRMPrecompiled.h")
+endif()
 
 function(zrm_add_module NAME)
   cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
@@ -13,15 +21,19 @@ function(zrm_add_module NAME)
   add_library(zrm::${NAME} ALIAS zrm_${NAME})
   target_link_libraries(zrm_${NAME} PUBLIC ${ARG_PUBLIC} PRIVATE zrm_options ${ARG_PRIVATE})
   target_include_directories(zrm_${NAME} PUBLIC "${PROJECT_SOURCE_DIR}")
-  target_precompile_headers(zrm_${NAME} REUSE_FROM zrm_pch)
+  if(ZRM_USE_PCH)
+    target_precompile_headers(zrm_${NAME} REUSE_FROM zrm_pch)
+  endif()
   set_property(GLOBAL APPEND PROPERTY ZRM_MODULES ${NAME})
 endfunction()
 
 if(ZRM_BUILD_TESTS)
   add_library(zrm_test_pch OBJECT "${CMAKE_CURRENT_LIST_DIR}/ZRMPrecompiled.cpp")
   target_link_libraries(zrm_test_pch PUBLIC zrm_options GTest::gmock)
-  target_precompile_headers(zrm_test_pch PRIVATE
-    "${CMAKE_CURRENT_LIST_DIR}/ZRMPrecompiled.h" <gmock/gmock.h> <gtest/gtest.h>)
+  if(ZRM_USE_PCH)
+    target_precompile_headers(zrm_test_pch PRIVATE
+      "${CMAKE_CURRENT_LIST_DIR}/ZRMPrecompiled.h" <gmock/gmock.h> <gtest/gtest.h>)
+  endif()
 endif()
 
 # Every test program links both device bodies; the tests choose which one they install.
@@ -34,7 +46,9 @@ function(zrm_add_tests NAME)
   target_link_libraries(zrm_${NAME}_tests PRIVATE
     zrm_options ${ARG_DEPENDS} zrm::platform_simulated zrm::platform_linux
     GTest::gtest_main GTest::gmock)
-  target_precompile_headers(zrm_${NAME}_tests REUSE_FROM zrm_test_pch)
+  if(ZRM_USE_PCH)
+    target_precompile_headers(zrm_${NAME}_tests REUSE_FROM zrm_test_pch)
+  endif()
   gtest_discover_tests(zrm_${NAME}_tests TEST_PREFIX "${NAME}/" DISCOVERY_TIMEOUT 60
     PROPERTIES TIMEOUT 300)
 endfunction()
