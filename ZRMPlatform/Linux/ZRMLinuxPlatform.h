@@ -24,4 +24,5 @@ struct ZRMLinuxPlatformOptions {
     std::shared_ptr<ZRMQueue> mainQueue;
 };
 
-std::shared_ptr<const ZRMPlatform> zrm_makeLinuxPlatform(const ZRMLinuxPlatformOptions& options);
+ZRM_EXPORT std::shared_ptr<const ZRMPlatform> zrm_makeLinuxPlatform(
+    const ZRMLinuxPlatformOptions& options);

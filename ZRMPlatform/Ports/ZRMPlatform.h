@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "ZRMPlatform/Ports/Values/ZRMExport.h"
 #include "ZRMPlatform/Ports/ZRMBundles.h"
 #include "ZRMPlatform/Ports/ZRMClock.h"
 #include "ZRMPlatform/Ports/ZRMConsoleLog.h"
@@ -45,10 +46,11 @@ struct ZRMPlatform {
 
     // The installed platform; where none was installed, the default body is made and installed.
     // From any thread.
-    static std::shared_ptr<const ZRMPlatform> current();
+    ZRM_EXPORT static std::shared_ptr<const ZRMPlatform> current();
 
-    // Replaces the platform for what is made from now on; what exists keeps the one it was made with.
-    static void install(std::shared_ptr<const ZRMPlatform> platform);
+    // Replaces the platform for what is made from now on; what exists keeps the one it was made
+    // with.
+    ZRM_EXPORT static void install(std::shared_ptr<const ZRMPlatform> platform);
 };
 
 // Makes the body that current() falls back to. Defined by the platform folder that is linked in.

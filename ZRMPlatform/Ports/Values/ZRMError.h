@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "ZRMPlatform/Ports/Values/ZRMExport.h"
+
 // The userInfo key under which an error keeps the text for people.
 inline constexpr const char* kZRMLocalizedDescriptionKey = "NSLocalizedDescription";
 
@@ -15,11 +17,13 @@ inline constexpr const char* kZRMPosixErrorDomain = "NSPOSIXErrorDomain";
 // Immutable once made and safe to copy between threads.
 class ZRMError {
   public:
-    ZRMError(std::string domain, std::int64_t code, std::map<std::string, std::string> userInfo = {})
+    ZRMError(std::string domain, std::int64_t code,
+             std::map<std::string, std::string> userInfo = {})
         : domain_(std::move(domain)), code_(code), userInfo_(std::move(userInfo)) {}
 
     // An error whose userInfo holds `description` alone.
-    static ZRMError withDescription(std::string domain, std::int64_t code, std::string description) {
+    static ZRMError withDescription(std::string domain, std::int64_t code,
+                                    std::string description) {
         return {std::move(domain), code, {{kZRMLocalizedDescriptionKey, std::move(description)}}};
     }
 
@@ -46,13 +50,13 @@ class ZRMError {
 };
 
 // A broken rule of the programming interface, such as an enumeration value that does not exist.
-class ZRMAssertionFailure : public std::logic_error {
+class ZRM_EXPORT ZRMAssertionFailure : public std::logic_error {
   public:
     using std::logic_error::logic_error;
 };
 
 // An argument that the interface refuses, such as a value that must be present and is not.
-class ZRMInvalidArgument : public std::invalid_argument {
+class ZRM_EXPORT ZRMInvalidArgument : public std::invalid_argument {
   public:
     using std::invalid_argument::invalid_argument;
 };
