@@ -19,6 +19,8 @@ MAX_MEDIAN = 200
 
 # Tests, tools and fuzz targets may use any module; what they test is their business.
 FREE_FOLDERS = re.compile(r"(^|/)(\w+_Tests|Tests|Tools|Fuzz|Benchmarks|cmake)/")
+# The root, and for the public headers the directory that a host puts on its include path.
+INCLUDE_BASES = ("", "ZRMMobileKit/include/")
 INCLUDE = re.compile(r'^\s*#\s*include\s+([<"])([^">]+)[">]')
 
 PLATFORM_CALLS = [
@@ -87,10 +89,12 @@ def check_includes():
                 if match[2].startswith(("ZRM", "Jailbreak")):
                     problems.append(f"{path}:{number}: our own headers are included with quotes")
                 continue
-            if not (ROOT / match[2]).is_file() and not match[2].startswith("ZRMGenerated/"):
+            included = next((base + match[2] for base in INCLUDE_BASES if (ROOT / (base + match[2])).is_file()),
+                            match[2] if match[2].startswith("ZRMGenerated/") else None)
+            if included is None:
                 problems.append(f"{path}:{number}: '{match[2]}' is not a path from the root")
                 continue
-            other = module_of(match[2], table)
+            other = module_of(included, table)
             if other not in (module, None) and other not in table[module][1]:
                 problems.append(f"{path}:{number}: {module} may not include {other}")
     for path in tracked("Tools/zrm-host/*.h", "Tools/zrm-host/*.cpp"):
