@@ -13,10 +13,11 @@ class ZRMAsynchronousOperation : public ZRMOperation {
     // The console receives the complaint of an execute() that nobody overrode.
     explicit ZRMAsynchronousOperation(std::shared_ptr<ZRMConsoleLog> consoleLog);
 
-    // Finishes at once when cancelled before; otherwise announces "isExecuting" and executes.
+    // Finishes at once when cancelled before; otherwise announces "isExecuting" and executes. Only
+    // the first call has an effect.
     void start() final;
 
-    [[nodiscard]] ZRMAsynchronousOperationState state() const;
+    [[nodiscard]] ZRMAsynchronousOperationState state() const { return state_; }
     [[nodiscard]] bool isExecuting() const final;
     [[nodiscard]] bool isFinished() const final;
     [[nodiscard]] bool isAsynchronous() const final { return true; }
@@ -24,13 +25,13 @@ class ZRMAsynchronousOperation : public ZRMOperation {
   protected:
     // To be overridden; must lead to finish(), at once or later, on any thread.
     virtual void execute();
-    // Announces "isExecuting" and "isFinished". Only the first call has an effect.
+    // Announces "isExecuting" and "isFinished". Only the first call has an effect. The operation
+    // may be destroyed by the time it returns, unless the caller holds it.
     virtual void finish();
-
-    // Ready or executing to finished, once: true for the caller that made the change.
-    [[nodiscard]] bool finishOnceFrom(ZRMAsynchronousOperationState expected);
 
   private:
     std::shared_ptr<ZRMConsoleLog> consoleLog_;
     std::atomic<ZRMAsynchronousOperationState> state_{ZRMAsynchronousOperationState::Ready};
+    std::atomic<bool> begun_ = false;
+    std::atomic<bool> finishing_ = false;
 };

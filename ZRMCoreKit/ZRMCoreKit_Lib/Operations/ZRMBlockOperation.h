@@ -7,6 +7,7 @@ class ZRMBlockOperation final : public ZRMOperation {
   public:
     static std::shared_ptr<ZRMBlockOperation> blockOperationWithBlock(std::function<void()> block);
 
+    // Throws ZRMInvalidArgument when the block is empty.
     explicit ZRMBlockOperation(std::function<void()> block);
 
   protected:

@@ -1,6 +1,8 @@
 // An asynchronous operation with an error for a result.
 #pragma once
 
+#include <atomic>
+#include <mutex>
 #include <optional>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Operations/ZRMAsynchronousOperation.h"
@@ -10,7 +12,8 @@ class ZRMErrorProneOperation : public ZRMAsynchronousOperation {
   public:
     using ZRMAsynchronousOperation::ZRMAsynchronousOperation;
 
-    // Absent on success and until the operation has finished. Changes are announced as "error".
+    // Absent on success and until the operation ends. Its change is announced as "error", before
+    // "isFinished".
     [[nodiscard]] std::optional<ZRMError> error() const;
 
     // Cancels, and finishes when executing.
@@ -21,6 +24,10 @@ class ZRMErrorProneOperation : public ZRMAsynchronousOperation {
     void finishWithError(std::optional<ZRMError> error);
 
   private:
+    // True for the first of those who want to end the operation while it executes.
+    [[nodiscard]] bool claimEnd();
+
+    std::atomic<bool> endClaimed_ = false;
     mutable std::mutex errorMutex_;
     std::optional<ZRMError> error_;
 };

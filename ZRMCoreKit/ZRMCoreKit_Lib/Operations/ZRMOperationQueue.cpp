@@ -1,0 +1,307 @@
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Operations/ZRMOperationQueue.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <set>
+#include <unordered_map>
+#include <utility>
+
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Operations/ZRMBlockOperation.h"
+#include "ZRMPlatform/Ports/Values/ZRMError.h"
+
+std::string zrm_queueNameForClass(const std::string& className) {
+    return className + ".queue";
+}
+
+namespace {
+
+// Keeps states whose queue object is gone. Never destroyed, so nothing races at exit.
+class AbandonedStates {
+  public:
+    static AbandonedStates& instance() {
+        static auto& states = *new AbandonedStates;
+        return states;
+    }
+
+    void keep(const std::shared_ptr<void>& state) {
+        const std::lock_guard lock(mutex_);
+        states_[state.get()] = state;
+    }
+
+    [[nodiscard]] std::shared_ptr<void> release(const void* state) {
+        const std::lock_guard lock(mutex_);
+        auto node = states_.extract(state);
+        return node.empty() ? nullptr : std::move(node.mapped());
+    }
+
+  private:
+    std::mutex mutex_;  // taken last
+    std::unordered_map<const void*, std::shared_ptr<void>> states_;
+};
+
+}  // namespace
+
+// What outlives the queue object. It owns the operations; they know it weakly. A worker is a task
+// posted to the executor that takes the first ready operation at the moment it runs.
+class ZRMOperationQueue::State : public std::enable_shared_from_this<State> {
+  public:
+    using Sequence = std::uint64_t;
+
+    State(std::shared_ptr<ZRMQueue> queue, std::string name, int limit)
+        : queue_(std::move(queue)), name_(std::move(name)), limit_(limit) {}
+
+    [[nodiscard]] const std::string& name() const { return name_; }
+    [[nodiscard]] int limit() const { return limit_; }
+
+    void add(const std::vector<std::shared_ptr<ZRMOperation>>& operations);
+    void setSuspended(bool suspended);
+    [[nodiscard]] bool isSuspended() const;
+    [[nodiscard]] std::vector<std::shared_ptr<ZRMOperation>> operations() const;
+    [[nodiscard]] std::size_t operationCount() const;
+    // Without a queue object the state is kept until its last operation has finished.
+    void abandon();
+
+  private:
+    enum class Phase { Blocked, Ready, Running };
+    struct Entry {
+        std::shared_ptr<ZRMOperation> operation;
+        Phase phase = Phase::Blocked;
+    };
+
+    void observe(ZRMOperation& operation, Sequence sequence);
+    // Waits for one unfinished dependency after the other, so many dependencies stay cheap.
+    void awaitDependencies(const std::shared_ptr<ZRMOperation>& operation, Sequence sequence,
+                           std::size_t position);
+    void makeReady(Sequence sequence);
+    void finished(Sequence sequence);
+    void runNext();
+    void postWorkers();  // under the lock
+    [[nodiscard]] bool hasRoom() const;
+
+    const std::shared_ptr<ZRMQueue> queue_;
+    const std::string name_;
+    const int limit_;
+
+    mutable std::mutex mutex_;  // guards what follows; taken before any lock of the executor
+    std::map<Sequence, Entry> entries_;
+    std::set<Sequence> ready_;
+    Sequence nextSequence_ = 0;
+    std::size_t workers_ = 0;  // posted and not yet begun
+    std::size_t running_ = 0;
+    bool suspended_ = false;
+    bool abandoned_ = false;
+};
+
+void ZRMOperationQueue::State::add(const std::vector<std::shared_ptr<ZRMOperation>>& operations) {
+    Sequence first = 0;
+    {
+        const std::lock_guard lock(mutex_);
+        first = nextSequence_;
+        for (const auto& operation : operations) {
+            entries_[nextSequence_++] = {operation, Phase::Blocked};
+        }
+    }
+    for (auto sequence = first; const auto& operation : operations) {
+        observe(*operation, sequence);
+        if (operation->isCancelled()) {
+            makeReady(sequence);
+        } else {
+            awaitDependencies(operation, sequence, 0);
+        }
+        ++sequence;
+    }
+}
+
+void ZRMOperationQueue::State::observe(ZRMOperation& operation, Sequence sequence) {
+    operation.addChangeObserver(
+        [weak = weak_from_this(), sequence](const std::string& key, bool isPrior) {
+            if (isPrior || (key != "isFinished" && key != "isCancelled")) {
+                return;
+            }
+            if (const auto self = weak.lock()) {
+                key == "isFinished" ? self->finished(sequence) : self->makeReady(sequence);
+            }
+        });
+}
+
+void ZRMOperationQueue::State::awaitDependencies(const std::shared_ptr<ZRMOperation>& operation,
+                                                 Sequence sequence, std::size_t position) {
+    while (const auto dependency = operation->unfinishedDependency(position)) {
+        dependency->addChangeObserver([weak = weak_from_this(), waiting = std::weak_ptr(operation),
+                                       sequence, position](const std::string& key, bool isPrior) {
+            const auto self = weak.lock();
+            const auto waitingOperation = waiting.lock();
+            if (self && waitingOperation && !isPrior && key == "isFinished") {
+                self->awaitDependencies(waitingOperation, sequence, position + 1);
+            }
+        });
+        if (!dependency->isFinished()) {
+            return;
+        }
+        // It finished before it was observed; going on a second time from its observer is harmless.
+    }
+    makeReady(sequence);
+}
+
+void ZRMOperationQueue::State::makeReady(Sequence sequence) {
+    const std::lock_guard lock(mutex_);
+    const auto entry = entries_.find(sequence);
+    if (entry == entries_.end() || entry->second.phase != Phase::Blocked) {
+        return;
+    }
+    entry->second.phase = Phase::Ready;
+    ready_.insert(sequence);
+    postWorkers();
+}
+
+void ZRMOperationQueue::State::finished(Sequence sequence) {
+    // Destroyed after the lock is given up: both may be the last reference.
+    std::map<Sequence, Entry>::node_type entry;
+    std::shared_ptr<void> self;
+    const std::lock_guard lock(mutex_);
+    entry = entries_.extract(sequence);
+    if (entry.empty()) {
+        return;
+    }
+    ready_.erase(sequence);
+    if (entry.mapped().phase == Phase::Running) {
+        --running_;
+    }
+    if (abandoned_ && entries_.empty()) {
+        self = AbandonedStates::instance().release(this);
+    }
+    postWorkers();
+}
+
+void ZRMOperationQueue::State::runNext() {
+    std::shared_ptr<ZRMOperation> operation;
+    {
+        const std::lock_guard lock(mutex_);
+        --workers_;
+        if (suspended_ || ready_.empty()) {
+            return;
+        }
+        auto& entry = entries_.at(*ready_.begin());
+        ready_.erase(ready_.begin());
+        entry.phase = Phase::Running;
+        ++running_;
+        operation = entry.operation;
+    }
+    operation->start();
+}
+
+void ZRMOperationQueue::State::postWorkers() {
+    while (!suspended_ && workers_ < ready_.size() && hasRoom()) {
+        ++workers_;
+        queue_->post([self = shared_from_this()] { self->runNext(); });
+    }
+}
+
+bool ZRMOperationQueue::State::hasRoom() const {
+    return limit_ < 0 || running_ + workers_ < static_cast<std::size_t>(limit_);
+}
+
+void ZRMOperationQueue::State::setSuspended(bool suspended) {
+    const std::lock_guard lock(mutex_);
+    suspended_ = suspended;
+    postWorkers();
+}
+
+bool ZRMOperationQueue::State::isSuspended() const {
+    const std::lock_guard lock(mutex_);
+    return suspended_;
+}
+
+std::vector<std::shared_ptr<ZRMOperation>> ZRMOperationQueue::State::operations() const {
+    const std::lock_guard lock(mutex_);
+    std::vector<std::shared_ptr<ZRMOperation>> all;
+    all.reserve(entries_.size());
+    for (const auto& [sequence, entry] : entries_) {
+        all.push_back(entry.operation);
+    }
+    return all;
+}
+
+std::size_t ZRMOperationQueue::State::operationCount() const {
+    const std::lock_guard lock(mutex_);
+    return entries_.size();
+}
+
+void ZRMOperationQueue::State::abandon() {
+    const std::lock_guard lock(mutex_);
+    abandoned_ = true;
+    suspended_ = false;
+    if (!entries_.empty()) {
+        AbandonedStates::instance().keep(shared_from_this());
+        postWorkers();
+    }
+}
+
+ZRMOperationQueue::ZRMOperationQueue(std::shared_ptr<ZRMExecutor> executor, std::string name,
+                                     int maxConcurrentOperationCount,
+                                     ZRMQualityOfService qualityOfService) {
+    auto queue = maxConcurrentOperationCount == 1
+                     ? executor->makeSerialQueue(name, qualityOfService)
+                     : executor->concurrentQueue(qualityOfService);
+    state_ =
+        std::make_shared<State>(std::move(queue), std::move(name), maxConcurrentOperationCount);
+}
+
+ZRMOperationQueue::~ZRMOperationQueue() {
+    state_->abandon();
+}
+
+const std::string& ZRMOperationQueue::name() const {
+    return state_->name();
+}
+
+int ZRMOperationQueue::maxConcurrentOperationCount() const {
+    return state_->limit();
+}
+
+void ZRMOperationQueue::claim(const std::vector<std::shared_ptr<ZRMOperation>>& operations) {
+    for (auto claimed = operations.begin(); claimed != operations.end(); ++claimed) {
+        const auto& operation = *claimed;
+        if (operation && !operation->started_ && !operation->isExecuting() &&
+            !operation->isFinished() && !operation->enqueued_.exchange(true)) {
+            continue;
+        }
+        std::for_each(operations.begin(), claimed,
+                      [](const auto& earlier) { earlier->enqueued_ = false; });
+        throw ZRMInvalidArgument("An operation can be put on one queue, once, before it starts");
+    }
+}
+
+void ZRMOperationQueue::addOperation(std::shared_ptr<ZRMOperation> operation) {
+    addOperations({std::move(operation)});
+}
+
+void ZRMOperationQueue::addOperations(
+    const std::vector<std::shared_ptr<ZRMOperation>>& operations) {
+    claim(operations);
+    state_->add(operations);
+}
+
+void ZRMOperationQueue::addOperationWithBlock(std::function<void()> block) {
+    addOperation(ZRMBlockOperation::blockOperationWithBlock(std::move(block)));
+}
+
+void ZRMOperationQueue::setSuspended(bool suspended) {
+    state_->setSuspended(suspended);
+}
+
+bool ZRMOperationQueue::isSuspended() const {
+    return state_->isSuspended();
+}
+
+void ZRMOperationQueue::cancelAllOperations() {
+    for (const auto& operation : state_->operations()) {
+        operation->cancel();
+    }
+}
+
+std::size_t ZRMOperationQueue::operationCount() const {
+    return state_->operationCount();
+}
