@@ -30,6 +30,9 @@ endfunction()
 if(ZRM_BUILD_TESTS)
   add_library(zrm_test_pch OBJECT "${CMAKE_CURRENT_LIST_DIR}/ZRMPrecompiled.cpp")
   target_link_libraries(zrm_test_pch PUBLIC zrm_options GTest::gmock)
+  # As the test programs are compiled, which are executables and not library code.
+  set_target_properties(zrm_test_pch PROPERTIES POSITION_INDEPENDENT_CODE OFF)
+  target_compile_options(zrm_test_pch PRIVATE -fPIE)
   if(ZRM_USE_PCH)
     target_precompile_headers(zrm_test_pch PRIVATE
       "${CMAKE_CURRENT_LIST_DIR}/ZRMPrecompiled.h" <gmock/gmock.h> <gtest/gtest.h>)
