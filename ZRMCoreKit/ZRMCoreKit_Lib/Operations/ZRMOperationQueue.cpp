@@ -5,43 +5,15 @@
 #include <map>
 #include <mutex>
 #include <set>
-#include <unordered_map>
 #include <utility>
 
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Helpers/ZRMKeptAlive.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Operations/ZRMBlockOperation.h"
 #include "ZRMPlatform/Ports/Values/ZRMError.h"
 
 std::string zrm_queueNameForClass(const std::string& className) {
     return className + ".queue";
 }
-
-namespace {
-
-// Keeps states whose queue object is gone. Never destroyed, so nothing races at exit.
-class AbandonedStates {
-  public:
-    static AbandonedStates& instance() {
-        static auto& states = *new AbandonedStates;
-        return states;
-    }
-
-    void keep(const std::shared_ptr<void>& state) {
-        const std::lock_guard lock(mutex_);
-        states_[state.get()] = state;
-    }
-
-    [[nodiscard]] std::shared_ptr<void> release(const void* state) {
-        const std::lock_guard lock(mutex_);
-        auto node = states_.extract(state);
-        return node.empty() ? nullptr : std::move(node.mapped());
-    }
-
-  private:
-    std::mutex mutex_;  // taken last
-    std::unordered_map<const void*, std::shared_ptr<void>> states_;
-};
-
-}  // namespace
 
 // What outlives the queue object. It owns the operations; they know it weakly. A worker is a task
 // posted to the executor that takes the first ready operation at the moment it runs.
@@ -170,7 +142,7 @@ void ZRMOperationQueue::State::finished(Sequence sequence) {
         --running_;
     }
     if (abandoned_ && entries_.empty()) {
-        self = AbandonedStates::instance().release(this);
+        self = ZRMKeptAlive::instance().release(this);
     }
     postWorkers();
 }
@@ -234,7 +206,7 @@ void ZRMOperationQueue::State::abandon() {
     abandoned_ = true;
     suspended_ = false;
     if (!entries_.empty()) {
-        AbandonedStates::instance().keep(shared_from_this());
+        ZRMKeptAlive::instance().keep(shared_from_this());
         postWorkers();
     }
 }
