@@ -1,6 +1,6 @@
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Keychain/ZRMKeychain.h"
 
-#include "ZRMCoreKit/ZRMCoreKit_Lib/Json/ZRMJsonWriter.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMText.h"
 
 ZRMKeychainQuery ZRMKeychain::createGenericPasswordQueryForAccount(const std::string& account,
                                                                    const std::string& accessGroup) {
@@ -25,7 +25,7 @@ bool ZRMKeychain::readGenericPassword(const ZRMKeychainItems& items,
     if (password != nullptr) {
         auto text = zrm_textFromData(value);
         *password =
-            zrm_validUtf8String(text) == text ? std::optional(std::move(text)) : std::nullopt;
+            zrm_isValidUtf8(text) ? std::optional(std::move(text)) : std::nullopt;
     }
     return true;
 }

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "ZRMCoreKit/ZRMCoreKit_Lib/Json/ZRMJsonWriter.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMText.h"
 #include "ZRMPlatform/Ports/Values/ZRMError.h"
 
 namespace {
@@ -17,7 +17,7 @@ void complain(ZRMConsoleLog& consoleLog, const std::string& text) {
 }
 
 bool hasCStringForm(const std::string& text) {
-    return text.find('\0') == std::string::npos && zrm_validUtf8String(text) == text;
+    return text.find('\0') == std::string::npos && zrm_isValidUtf8(text);
 }
 
 std::shared_ptr<ZRMReachabilityInspector> inspectorWithTarget(

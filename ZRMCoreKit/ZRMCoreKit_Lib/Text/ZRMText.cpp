@@ -1,0 +1,99 @@
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMText.h"
+
+#include <unicode/locid.h>
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+#include <unicode/utf8.h>
+
+namespace {
+
+
+// Calls back with each code point, or a negative one for an ill-formed sequence, and its extent.
+template <class Visit>
+void forEachCodePoint(std::string_view text, Visit visit) {
+    std::size_t start = 0;
+    while (start < text.size()) {
+        const auto window = text.substr(start, 4);
+        std::int32_t length = 0;
+        UChar32 character = 0;
+        U8_NEXT(window.data(), length, static_cast<std::int32_t>(window.size()), character);
+        if (!visit(character, start, static_cast<std::size_t>(length))) {
+            return;
+        }
+        start += static_cast<std::size_t>(length);
+    }
+}
+
+bool isControl(UChar32 character) {
+    return character >= 0 &&
+           (U_GET_GC_MASK(character) & (U_GC_CC_MASK | U_GC_CF_MASK)) != 0;
+}
+
+icu::UnicodeString unicodeString(std::string_view text) {
+    return icu::UnicodeString::fromUTF8(
+        icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
+}
+
+}  // namespace
+
+bool zrm_isValidUtf8(std::string_view text) {
+    bool isValid = true;
+    forEachCodePoint(text, [&](UChar32 character, std::size_t, std::size_t) {
+        isValid = character >= 0;
+        return isValid;
+    });
+    return isValid;
+}
+
+std::size_t zrm_utf16Length(std::string_view text) {
+    std::size_t units = 0;
+    forEachCodePoint(text, [&](UChar32 character, std::size_t, std::size_t) {
+        units += character > 0xFFFF ? 2 : 1;
+        return true;
+    });
+    return units;
+}
+
+std::string zrm_repairedUtf8(std::string_view text) {
+    std::string repaired;
+    repaired.reserve(text.size());
+    forEachCodePoint(text, [&](UChar32 character, std::size_t start, std::size_t length) {
+        if (character < 0) {
+            repaired.append("\xEF\xBF\xBD");
+        } else {
+            repaired.append(text.substr(start, length));
+        }
+        return true;
+    });
+    return repaired;
+}
+
+std::string_view zrm_trimmedControlCharacters(std::string_view text) {
+    std::size_t begin = text.size();
+    std::size_t end = text.size();
+    bool isInside = false;
+    forEachCodePoint(text, [&](UChar32 character, std::size_t start, std::size_t length) {
+        if (isControl(character)) {
+            return true;
+        }
+        if (!isInside) {
+            isInside = true;
+            begin = start;
+        }
+        end = start + length;
+        return true;
+    });
+    return isInside ? text.substr(begin, end - begin) : std::string_view();
+}
+
+std::string zrm_lowercasedText(std::string_view text) {
+    std::string lowered;
+    unicodeString(text).toLower(icu::Locale::getRoot()).toUTF8String(lowered);
+    return lowered;
+}
+
+std::string zrm_uppercasedText(std::string_view text) {
+    std::string uppered;
+    unicodeString(text).toUpper(icu::Locale::getRoot()).toUTF8String(uppered);
+    return uppered;
+}
