@@ -1,8 +1,27 @@
 #include "ZRMPlatform/Linux/ZRMLinuxPlatform.h"
 
+#include "ZRMPlatform/Linux/ZRMLinuxClock.h"
+#include "ZRMPlatform/Linux/ZRMLinuxConsoleLog.h"
+#include "ZRMPlatform/Linux/ZRMLinuxDevice.h"
+#include "ZRMPlatform/Linux/ZRMLinuxDirectories.h"
+#include "ZRMPlatform/Linux/ZRMLinuxExecutor.h"
+#include "ZRMPlatform/Linux/ZRMLinuxFileManager.h"
+#include "ZRMPlatform/Linux/ZRMLinuxProcessEnvironment.h"
+#include "ZRMPlatform/Linux/ZRMLinuxRandom.h"
+
 std::shared_ptr<const ZRMPlatform> zrm_makeLinuxPlatform(const ZRMLinuxPlatformOptions& options) {
-    static_cast<void>(options);
-    return std::make_shared<ZRMPlatform>();
+    auto platform = std::make_shared<ZRMPlatform>();
+    platform->processEnvironment = std::make_shared<ZRMLinuxProcessEnvironment>();
+    const auto directories =
+        std::make_shared<ZRMLinuxDirectories>(options.homeDirectory, *platform->processEnvironment);
+    platform->clock = std::make_shared<ZRMLinuxClock>();
+    platform->consoleLog = std::make_shared<ZRMLinuxConsoleLog>();
+    platform->device = std::make_shared<ZRMLinuxDevice>();
+    platform->directories = directories;
+    platform->executor = std::make_shared<ZRMLinuxExecutor>(options.mainQueue);
+    platform->fileManager = std::make_shared<ZRMLinuxFileManager>();
+    platform->random = std::make_shared<ZRMLinuxRandom>();
+    return platform;
 }
 
 std::shared_ptr<const ZRMPlatform> zrm_makeDefaultPlatform() {

@@ -1,0 +1,10 @@
+// Name and release of the running kernel.
+#pragma once
+
+#include "ZRMPlatform/Ports/ZRMDevice.h"
+
+class ZRMLinuxDevice : public ZRMDevice {
+  public:
+    [[nodiscard]] std::string systemName() const override;
+    [[nodiscard]] std::optional<std::string> systemVersion() const override;
+};

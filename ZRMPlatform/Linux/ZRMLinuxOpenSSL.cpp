@@ -1,0 +1,8 @@
+#include "ZRMPlatform/Linux/ZRMLinuxOpenSSL.h"
+
+#include <openssl/crypto.h>
+
+void zrm_prepareOpenSSL() {
+    static const int prepared = OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
+    static_cast<void>(prepared);
+}
