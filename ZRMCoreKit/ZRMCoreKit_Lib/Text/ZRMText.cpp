@@ -2,11 +2,11 @@
 
 #include <unicode/locid.h>
 #include <unicode/uchar.h>
-#include <unicode/unistr.h>
 #include <unicode/utf8.h>
 
-namespace {
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMUnicodeString.h"
 
+namespace {
 
 // Calls back with each code point, or a negative one for an ill-formed sequence, and its extent.
 template <class Visit>
@@ -25,13 +25,7 @@ void forEachCodePoint(std::string_view text, Visit visit) {
 }
 
 bool isControl(UChar32 character) {
-    return character >= 0 &&
-           (U_GET_GC_MASK(character) & (U_GC_CC_MASK | U_GC_CF_MASK)) != 0;
-}
-
-icu::UnicodeString unicodeString(std::string_view text) {
-    return icu::UnicodeString::fromUTF8(
-        icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
+    return character >= 0 && (U_GET_GC_MASK(character) & (U_GC_CC_MASK | U_GC_CF_MASK)) != 0;
 }
 
 }  // namespace
@@ -88,12 +82,12 @@ std::string_view zrm_trimmedControlCharacters(std::string_view text) {
 
 std::string zrm_lowercasedText(std::string_view text) {
     std::string lowered;
-    unicodeString(text).toLower(icu::Locale::getRoot()).toUTF8String(lowered);
+    zrm_unicodeString(text).toLower(icu::Locale::getRoot()).toUTF8String(lowered);
     return lowered;
 }
 
 std::string zrm_uppercasedText(std::string_view text) {
     std::string uppered;
-    unicodeString(text).toUpper(icu::Locale::getRoot()).toUTF8String(uppered);
+    zrm_unicodeString(text).toUpper(icu::Locale::getRoot()).toUTF8String(uppered);
     return uppered;
 }

@@ -5,7 +5,8 @@
 #include <string>
 #include <string_view>
 
-// Whether the bytes are well-formed UTF-8: no overlong forms, no surrogates, nothing above U+10FFFF.
+// Whether the bytes are well-formed UTF-8: no overlong forms, no surrogates, nothing above
+// U+10FFFF.
 [[nodiscard]] bool zrm_isValidUtf8(std::string_view text);
 
 // The number of UTF-16 code units. An ill-formed sequence counts as the one unit of U+FFFD.

@@ -1,0 +1,91 @@
+#include <limits>
+
+#include <zlib.h>
+
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSData/NSData+ZRMCoreKit.h"
+
+namespace {
+
+constexpr const char* kZlibVersion = "1.2.11";
+constexpr int kGzipWindowBits = 31;       // 32 KB window, gzip header and trailer
+constexpr int kAnyHeaderWindowBits = 47;  // 32 KB window, gzip or zlib header
+constexpr int kMemoryLevel = 8;
+constexpr std::size_t kGzipGrowth = 16384;
+
+bool fitsZlib(std::span<const std::uint8_t> data) {
+    return data.size() <= std::numeric_limits<uInt>::max();
+}
+
+void setInput(z_stream& stream, std::span<const std::uint8_t> data) {
+    stream.next_in = const_cast<Bytef*>(data.data());  // zlib only reads it
+    stream.avail_in = static_cast<uInt>(data.size());
+}
+
+// Points the output at what of the buffer is not written yet.
+void setOutput(z_stream& stream, ZRMData& buffer) {
+    const auto room = buffer.size() - stream.total_out;
+    stream.next_out = buffer.data() + stream.total_out;
+    stream.avail_out =
+        static_cast<uInt>(std::min<std::size_t>(room, std::numeric_limits<uInt>::max()));
+}
+
+}  // namespace
+
+bool zrm_isGzipData(std::span<const std::uint8_t> data) {
+    return data.size() >= 2 && data[0] == 0x1F && data[1] == 0x8B;
+}
+
+ZRMData zrm_gzipData(std::span<const std::uint8_t> data) {
+    if (data.empty() || zrm_isGzipData(data)) {
+        return {data.begin(), data.end()};
+    }
+    z_stream stream{};
+    if (!fitsZlib(data) ||
+        deflateInit2_(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kGzipWindowBits, kMemoryLevel,
+                      Z_DEFAULT_STRATEGY, kZlibVersion, sizeof(stream)) != Z_OK) {
+        return {};
+    }
+    setInput(stream, data);
+    ZRMData buffer;
+    while (stream.avail_out == 0) {
+        if (stream.total_out >= buffer.size()) {
+            buffer.resize(buffer.size() + kGzipGrowth);
+        }
+        setOutput(stream, buffer);
+        deflate(&stream, Z_FINISH);
+    }
+    const auto written = stream.total_out;
+    deflateEnd(&stream);
+    buffer.resize(written);
+    return buffer;
+}
+
+ZRMData zrm_ungzipData(std::span<const std::uint8_t> data, std::size_t maximumLength) {
+    if (!zrm_isGzipData(data)) {
+        return {data.begin(), data.end()};
+    }
+    z_stream stream{};
+    if (!fitsZlib(data) ||
+        inflateInit2_(&stream, kAnyHeaderWindowBits, kZlibVersion, sizeof(stream)) != Z_OK) {
+        return {};
+    }
+    setInput(stream, data);
+    ZRMData buffer;
+    int status = Z_OK;
+    while (status == Z_OK) {
+        if (stream.total_out >= buffer.size()) {
+            if (stream.total_out > maximumLength) {
+                break;
+            }
+            buffer.resize(buffer.size() + data.size() / 2);
+        }
+        setOutput(stream, buffer);
+        status = inflate(&stream, Z_SYNC_FLUSH);
+    }
+    const auto written = stream.total_out;
+    const bool isWhole = inflateEnd(&stream) == Z_OK && status == Z_STREAM_END;
+    if (isWhole && written <= maximumLength) {
+        buffer.resize(written);
+    }
+    return buffer;
+}

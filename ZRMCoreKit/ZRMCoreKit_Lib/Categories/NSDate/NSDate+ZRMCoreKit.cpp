@@ -1,0 +1,87 @@
+#include <cmath>
+
+#include <unicode/datefmt.h>
+
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSDate/NSDate+ZRMCoreKit.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSDateComponents/NSDateComponents+ZRMCoreKit.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSDateFormatter/NSDateFormatter+ZRMCoreKit.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMUnicodeString.h"
+
+namespace {
+
+icu::DateFormat::EStyle icuStyle(ZRMDateFormatterStyle style) {
+    switch (style) {
+        case ZRMDateFormatterStyle::Short:
+            return icu::DateFormat::kShort;
+        case ZRMDateFormatterStyle::Medium:
+            return icu::DateFormat::kMedium;
+        case ZRMDateFormatterStyle::Long:
+            return icu::DateFormat::kLong;
+        case ZRMDateFormatterStyle::Full:
+            return icu::DateFormat::kFull;
+        case ZRMDateFormatterStyle::None:
+            break;
+    }
+    return icu::DateFormat::kNone;
+}
+
+}  // namespace
+
+double zrm_timeIntervalFromISO8601DurationString(std::string_view duration) {
+    const auto components = zrm_dateComponentsFromISO8601DurationString(duration);
+    if (!components) {
+        return -1;
+    }
+    double seconds = 0;
+    const auto add = [&seconds](std::int64_t count, std::int64_t secondsEach) {
+        if (count != kZRMUndefinedDateComponent) {
+            seconds += static_cast<double>(count * secondsEach);
+        }
+    };
+    add(components->day, 86400);
+    add(components->hour, 3600);
+    add(components->minute, 60);
+    add(components->second, 1);
+    return seconds;
+}
+
+std::string zrm_isoDescription(ZRMDate date) {
+    return zrm_iso8601DateTimeFormatter()->stringFromDate(date);
+}
+
+std::string zrm_serverTimeDescription(ZRMDate date) {
+    return zrm_serverTimeFormatter()->stringFromDate(date);
+}
+
+std::string zrm_descriptionWithLocale(const ZRMLocaleSource& source, ZRMDate date,
+                                      const std::optional<std::string>& locale,
+                                      ZRMDateFormatterStyle dateStyle,
+                                      ZRMDateFormatterStyle timeStyle) {
+    const bool hasStyle =
+        dateStyle != ZRMDateFormatterStyle::None || timeStyle != ZRMDateFormatterStyle::None;
+    if (!hasStyle || !std::isfinite(date.secondsSince1970)) {
+        return {};
+    }
+    const auto identifier = locale.value_or(source.localeIdentifier());
+    const std::unique_ptr<icu::DateFormat> format(icu::DateFormat::createDateTimeInstance(
+        icuStyle(dateStyle), icuStyle(timeStyle), icu::Locale(identifier.c_str())));
+    std::string text;
+    if (format) {
+        format->adoptTimeZone(
+            icu::TimeZone::createTimeZone(zrm_unicodeString(source.timeZoneIdentifier())));
+        icu::UnicodeString unicode;
+        format->format(date.secondsSince1970 * 1e3, unicode).toUTF8String(text);
+    }
+    return text;
+}
+
+std::string zrm_localDescriptionWithDateStyle(const ZRMLocaleSource& source, ZRMDate date,
+                                              ZRMDateFormatterStyle dateStyle,
+                                              ZRMDateFormatterStyle timeStyle) {
+    return zrm_descriptionWithLocale(source, date, std::nullopt, dateStyle, timeStyle);
+}
+
+std::string zrm_mediumLocalDescriptionForDate(const ZRMLocaleSource& source, ZRMDate date) {
+    return zrm_localDescriptionWithDateStyle(source, date, ZRMDateFormatterStyle::Medium,
+                                             ZRMDateFormatterStyle::None);
+}
