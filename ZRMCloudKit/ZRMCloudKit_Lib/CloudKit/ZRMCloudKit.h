@@ -1,6 +1,7 @@
 // The event core: the one object through which events are raised.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
@@ -27,6 +28,10 @@ class ZRMCloudKit {
     [[nodiscard]] virtual std::string deviceTag() const = 0;
     // The tag the server gave the device; empty when there is none.
     [[nodiscard]] virtual std::string secureDeviceTag() const = 0;
+
+    // How many events are queued and not yet answered by the server, those of earlier runs
+    // included; 0 before start().
+    [[nodiscard]] virtual std::size_t pendingEventCount() const = 0;
 
     // These four build and queue their event before they return.
     virtual void sendUserLogin(const std::string& userName, const std::string& result,

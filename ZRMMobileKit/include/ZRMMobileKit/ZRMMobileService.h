@@ -1,6 +1,7 @@
 // The service through which a host application reports to the risk server.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -108,6 +109,10 @@ class ZRM_EXPORT ZRMMobileService {
     // The device's tag and the tag that the server issued (empty until it did), joined by "_".
     // Absent before activation.
     [[nodiscard]] std::optional<std::string> deviceTag() const;
+
+    // How many reports the library has taken over that the server has not answered yet, those of
+    // earlier runs of the application and the library's own included; 0 before activation.
+    [[nodiscard]] std::size_t pendingEventCount() const;
 
     // kZRMMobileKitVersion.
     [[nodiscard]] std::string version() const;

@@ -1,6 +1,7 @@
 // The library's outgoing event pipe: events are stored, uploaded one by one and then deleted.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "ZRMStatistics/ZRMStatistics_Lib/Service/ZRMStatisticsEvent.h"
@@ -18,4 +19,9 @@ class ZRMStatisticsService {
     // Priorities are 1 (first) to 3. An event that makes no JSON is dropped with a log line; before
     // start() it is dropped with a line on the console.
     virtual void send(const ZRMStatisticsEvent& event, std::int16_t priority) = 0;
+
+    // How many events are taken over and neither answered nor dropped, what earlier runs left in the
+    // store included. Counts an event from before send() returns until its record is deleted, so 0
+    // means that nothing is on its way. 0 before start().
+    [[nodiscard]] virtual std::size_t pendingEventCount() const = 0;
 };
