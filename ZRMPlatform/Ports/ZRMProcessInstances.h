@@ -22,6 +22,13 @@ class ZRMProcessInstances {
         return std::static_pointer_cast<T>(slot);
     }
 
+    // Lets go of every instance; for a device that ends a process and lives on.
+    void dropEverything() {
+        std::unordered_map<std::type_index, std::shared_ptr<void>> dropped;  // freed unlocked
+        const std::lock_guard lock(mutex_);
+        dropped.swap(instances_);
+    }
+
   private:
     // Re-entrant: making one instance may ask for another.
     std::recursive_mutex mutex_;

@@ -1,1 +1,163 @@
-#include "ZRMPlatform/Ports/ZRMPlatform.h"
+#include "ZRMPlatform/Simulated/ZRMSimulatedDevice.h"
+
+#include <utility>
+
+#include "ZRMPlatform/Simulated/ZRMSimulatedUrlSession.h"
+
+ZRMSimulatedDevice::ZRMSimulatedDevice()
+    : time_(std::make_shared<ZRMSimulatedTime>()),
+      random_(std::make_shared<ZRMSimulatedRandom>()),
+      disk_(std::make_shared<ZRMSimulatedDisk>(time_, random_)),
+      network_(std::make_shared<ZRMSimulatedNetwork>(time_)),
+      console_(std::make_shared<ZRMSimulatedConsole>()),
+      keychain_(std::make_shared<ZRMSimulatedKeychain>()),
+      defaults_(std::make_shared<ZRMSimulatedDefaultsStore>()),
+      reachability_(std::make_shared<ZRMSimulatedReachability>()),
+      clock_(std::make_shared<ZRMSimulatedClock>(time_)),
+      digests_(std::make_shared<ZRMSimulatedDigests>()),
+      rsaKeys_(std::make_shared<ZRMSimulatedRsaKeys>()),
+      keyedArchiver_(std::make_shared<ZRMSimulatedKeyedArchiver>()),
+      mainBundle_(std::make_shared<ZRMSimulatedMainBundle>()),
+      resourceBundles_(std::make_shared<ZRMSimulatedResourceBundles>(disk_)),
+      description_(std::make_shared<ZRMSimulatedDeviceDescription>()),
+      linkLayer_(std::make_shared<ZRMSimulatedLinkLayer>()),
+      locale_(std::make_shared<ZRMSimulatedLocaleSource>()),
+      locationAuthorization_(std::make_shared<ZRMSimulatedLocationAuthorization>()),
+      environment_(std::make_shared<ZRMSimulatedProcessEnvironment>()) {
+    startProcess();
+}
+
+ZRMSimulatedDevice::~ZRMSimulatedDevice() {
+    setInstalled(false);
+    endProcess(ZRMSimulatedLoss::None);
+}
+
+void ZRMSimulatedDevice::startProcess() {
+    ++lives_;
+    process_ = std::make_shared<ZRMSimulatedProcess>(time_);
+    executor_ = std::make_shared<ZRMSimulatedExecutor>(process_);
+    platform_ = makePlatform();
+    setSchedulingSeed(seed_);
+    if (installed_) {
+        ZRMPlatform::install(platform_);
+    }
+}
+
+void ZRMSimulatedDevice::endProcess(ZRMSimulatedLoss loss) {
+    process_->kill();
+    process_->scheduler()->dropEverything();
+    platform_->instances->dropEverything();
+    disk_->lose(loss);
+}
+
+std::shared_ptr<ZRMPlatform> ZRMSimulatedDevice::makePlatform() {
+    auto platform = std::make_shared<ZRMPlatform>();
+    platform->executor = executor_;
+    platform->clock = clock_;
+    platform->urlSessions = std::make_shared<ZRMSimulatedUrlSessionFactory>(network_, process_);
+    platform->digests = digests_;
+    platform->rsaKeys = rsaKeys_;
+    platform->fileManager = std::make_shared<ZRMSimulatedFileManager>(disk_, process_);
+    platform->directories = std::make_shared<ZRMSimulatedDirectories>(std::string());
+    platform->consoleLog = std::make_shared<ZRMSimulatedConsoleLog>(console_, process_);
+    platform->userDefaults =
+        std::make_shared<ZRMSimulatedUserDefaults>(defaults_, process_, platform->consoleLog);
+    platform->keyedArchiver = keyedArchiver_;
+    platform->keychainItems = std::make_shared<ZRMSimulatedKeychainItems>(keychain_, process_);
+    platform->mainBundle = mainBundle_;
+    platform->resourceBundles = resourceBundles_;
+    platform->reachabilityTargets =
+        std::make_shared<ZRMSimulatedReachabilityTargets>(reachability_, process_);
+    platform->device = description_;
+    platform->linkLayer = linkLayer_;
+    platform->locale = locale_;
+    platform->locationAuthorization = locationAuthorization_;
+    platform->processEnvironment = environment_;
+    platform->random = random_;
+    return platform;
+}
+
+void ZRMSimulatedDevice::runUntilIdle() {
+    while (process_->scheduler()->runOne()) {
+    }
+}
+
+void ZRMSimulatedDevice::advanceBy(double seconds) {
+    const auto deadline = time_->momentAfter(ZRMSimulatedMoment::Clock::Uptime, seconds);
+    process_->scheduler()->runUntilMoment(deadline);
+    time_->advanceTo(deadline.microseconds);
+}
+
+bool ZRMSimulatedDevice::runUntil(const std::function<bool()>& condition, double withinSeconds) {
+    const auto deadline = time_->momentAfter(ZRMSimulatedMoment::Clock::Uptime, withinSeconds);
+    try {
+        if (process_->scheduler()->runUntil(condition, deadline)) {
+            return true;
+        }
+    } catch (const ZRMSimulatedProcessEnded&) {
+        return condition();
+    }
+    runUntilIdle();
+    return condition();
+}
+
+bool ZRMSimulatedDevice::runOneTask() {
+    return process_->scheduler()->runOne();
+}
+
+void ZRMSimulatedDevice::jumpWallClock(double seconds) {
+    time_->jumpWallClock(seconds);
+    runUntilIdle();
+}
+
+void ZRMSimulatedDevice::setSchedulingSeed(std::optional<std::uint64_t> seed) {
+    seed_ = seed;
+    process_->scheduler()->setSeed(seed ? std::optional(*seed + lives_) : std::nullopt);
+}
+
+void ZRMSimulatedDevice::killAtDiskOperation(std::uint64_t number) {
+    disk_->faults().setHook([this, number](std::uint64_t current, auto, const std::string&) {
+        if (current == number) {
+            killProcess();
+        }
+    });
+}
+
+void ZRMSimulatedDevice::restartProcess(ZRMSimulatedLoss loss) {
+    endProcess(loss);
+    startProcess();
+}
+
+void ZRMSimulatedDevice::reboot(ZRMSimulatedLoss loss) {
+    endProcess(loss);
+    time_->reboot();
+    startProcess();
+}
+
+void ZRMSimulatedDevice::setConnected(bool connected) {
+    network_->setConnected(connected);
+    reachability_->setFlags(connected ? ZRMReachabilityReachable : 0U);
+}
+
+void ZRMSimulatedDevice::setInstalled(bool installed) {
+    if (installed_ || installed) {
+        ZRMPlatform::install(installed ? platform_ : nullptr);
+    }
+    installed_ = installed;
+}
+
+ZRMScopedPlatform::ZRMScopedPlatform(ZRMSimulatedDevice& device) : device_(&device) {
+    device.setInstalled(true);
+}
+
+ZRMScopedPlatform::ZRMScopedPlatform(std::shared_ptr<const ZRMPlatform> platform) {
+    ZRMPlatform::install(std::move(platform));
+}
+
+ZRMScopedPlatform::~ZRMScopedPlatform() {
+    if (device_) {
+        device_->setInstalled(false);
+    } else {
+        ZRMPlatform::install(nullptr);
+    }
+}
