@@ -28,7 +28,8 @@ class ZRMDateFormatter {
     // for a date that is not finite or more than 5 million years away.
     [[nodiscard]] std::string stringFromDate(ZRMDate date) const;
 
-    // Absent unless the whole text reads as the pattern says and names an existing date.
+    // Absent unless the whole text reads as the pattern says, numbers with at least as many digits
+    // as the field has letters, and names an existing date.
     [[nodiscard]] std::optional<ZRMDate> dateFromString(std::string_view text) const;
 
   private:

@@ -11,11 +11,17 @@ std::string decoded(boost::urls::pct_string_view encoded) {
     return encoded.decode({}, boost::urls::string_token::return_string{});
 }
 
+// The parser ends an authority at a port that is no number and takes the rest for the path.
+bool hasMalformedAuthority(const boost::urls::url_view& url) {
+    const std::string_view path = url.encoded_path();
+    return url.has_authority() && !path.empty() && path.front() != '/';
+}
+
 }  // namespace
 
 std::optional<ZRMUrl> ZRMUrl::fromText(std::string_view text) {
     const auto parsed = boost::urls::parse_uri_reference(text);
-    if (!parsed) {
+    if (!parsed || hasMalformedAuthority(*parsed)) {
         return std::nullopt;
     }
     std::optional<std::string> scheme;

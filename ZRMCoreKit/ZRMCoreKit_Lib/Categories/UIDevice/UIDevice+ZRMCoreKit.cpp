@@ -5,10 +5,12 @@
 #include <span>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/UIDevice/UIDevice+ZRMCoreKit.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Keychain/ZRMKeychain.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLog.h"
 
 namespace {
 
+constexpr const char* kDeviceTagAccount = "ZRMDeviceTag";
 constexpr std::size_t kAddressLength = 6;
 // A record holds one short name; no kernel needs more for it.
 constexpr std::size_t kMaximumRecordLength = std::size_t{64} * 1024;
@@ -57,4 +59,14 @@ std::optional<std::string> zrm_deviceMacAddress(const ZRMLinkLayer& linkLayer) {
         return failure(&linkLayer, "sysctl msgBuffer failure");
     }
     return addressText(record.subspan(nameEnd, kAddressLength));
+}
+
+std::optional<std::string> zrm_deviceTag(const ZRMKeychainItems& items) {
+    std::optional<std::string> tag;
+    ZRMKeychain::readGenericPassword(items, &tag, kDeviceTagAccount);
+    return tag;
+}
+
+bool zrm_setDeviceTag(ZRMKeychainItems& items, const std::string& tag) {
+    return ZRMKeychain::writeGenericPassword(items, tag, kDeviceTagAccount);
 }

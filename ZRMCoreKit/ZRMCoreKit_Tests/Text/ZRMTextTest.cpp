@@ -1,0 +1,59 @@
+#include <gtest/gtest.h>
+
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMText.h"
+
+TEST(ZRMText, TellsWhetherTextIsUtf8) {
+    for (const auto* text : {"", "abc", "ä€😀", "\xEF\xBF\xBF", "\xF4\x8F\xBF\xBF"}) {
+        EXPECT_TRUE(zrm_isValidUtf8(text)) << text;
+    }
+    EXPECT_TRUE(zrm_isValidUtf8(std::string_view("a\0b", 3)));
+    for (const auto* text : {"\x80", "\xC0\x80", "\xC3", "abc\xE2\x82", "\xED\xA0\x80",
+                             "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "\xFF", "\xE2\x28\xA1"}) {
+        EXPECT_FALSE(zrm_isValidUtf8(text)) << text;
+    }
+}
+
+TEST(ZRMText, CountsUtf16Units) {
+    EXPECT_EQ(zrm_utf16Length(""), 0U);
+    EXPECT_EQ(zrm_utf16Length("abc"), 3U);
+    EXPECT_EQ(zrm_utf16Length("ä€"), 2U);
+    EXPECT_EQ(zrm_utf16Length("😀"), 2U);
+    EXPECT_EQ(zrm_utf16Length("e\xCC\x81"), 2U);
+    EXPECT_EQ(zrm_utf16Length("a\xFFz"), 3U);
+}
+
+TEST(ZRMText, LengthAgreesWithTheRepairedText) {
+    for (const auto* text : {"\xE2\x82",
+                             "\xE2\x82"
+                             "a",
+                             "\xF0\x9F\x98", "\xED\xA0\x80", "\xC0\xAF", "x\x80\x80y"}) {
+        EXPECT_EQ(zrm_utf16Length(text), zrm_utf16Length(zrm_repairedUtf8(text))) << text;
+    }
+}
+
+TEST(ZRMText, RepairReplacesIllFormedSequences) {
+    EXPECT_EQ(zrm_repairedUtf8("ä€😀"), "ä€😀");
+    EXPECT_EQ(zrm_repairedUtf8("a\xFFz"), "a\xEF\xBF\xBDz");
+    EXPECT_EQ(zrm_repairedUtf8("\xE2\x82"), "\xEF\xBF\xBD");
+    EXPECT_EQ(zrm_repairedUtf8("\xE2\x82z"), "\xEF\xBF\xBDz");
+    EXPECT_EQ(zrm_repairedUtf8("\xC0\xAF"), "\xEF\xBF\xBD\xEF\xBF\xBD");
+}
+
+TEST(ZRMText, TrimsControlCharactersAtBothEnds) {
+    EXPECT_EQ(zrm_trimmedControlCharacters("line\n"), "line");
+    EXPECT_EQ(zrm_trimmedControlCharacters("\r\n\t\x01 line \x7f\n"), " line ");
+    EXPECT_EQ(zrm_trimmedControlCharacters("one\ntwo"), "one\ntwo");
+    EXPECT_EQ(zrm_trimmedControlCharacters("\n\n"), "");
+    EXPECT_EQ(zrm_trimmedControlCharacters(""), "");
+    EXPECT_EQ(zrm_trimmedControlCharacters("\xC2\x85ä\xE2\x80\x8E"),
+              "ä");  // NEL; left-to-right mark
+    EXPECT_EQ(zrm_trimmedControlCharacters("\n\xFF\n"), "\xFF");
+}
+
+TEST(ZRMText, MapsCaseWithoutRegardToLocale) {
+    EXPECT_EQ(zrm_lowercasedText("FALSE Ä Σ"), "false ä σ");
+    EXPECT_EQ(zrm_uppercasedText("straße i"), "STRASSE I");
+    EXPECT_EQ(zrm_lowercasedText("I"), "i");
+    EXPECT_EQ(zrm_lowercasedText(""), "");
+    EXPECT_EQ(zrm_lowercasedText("A\xFF"), "a\xEF\xBF\xBD");
+}
