@@ -20,8 +20,8 @@ class ZRMStatisticsService {
     // start() it is dropped with a line on the console.
     virtual void send(const ZRMStatisticsEvent& event, std::int16_t priority) = 0;
 
-    // How many events are taken over and neither answered nor dropped, what earlier runs left in the
-    // store included. Counts an event from before send() returns until its record is deleted, so 0
-    // means that nothing is on its way. 0 before start().
+    // How many events are taken over and neither answered nor dropped, what earlier runs left in
+    // the store included. Counts an event from before send() returns until its record is deleted,
+    // so 0 means that nothing is on its way. 0 before start().
     [[nodiscard]] virtual std::size_t pendingEventCount() const = 0;
 };

@@ -9,6 +9,9 @@
 #include "ZRMStatistics/ZRMStatistics_Lib/Service/ZRMStatisticsCustomHeadersProvider.h"
 #include "ZRMStatistics/ZRMStatistics_Lib/Service/ZRMStatisticsService.h"
 
+class ZRMStatisticsSender;
+class ZRMStatisticsStorage;
+
 class ZRMStatisticsServiceFactory {
   public:
     // `url` is the statistics endpoint as an absolute address, `storagePath` the directory below
@@ -25,4 +28,14 @@ class ZRMStatisticsServiceFactory {
         const std::string& storagePath,
         const std::shared_ptr<ZRMStatisticsCustomHeadersProvider>& customHeadersProvider,
         std::shared_ptr<ZRMServerTimeProvider> serverTimeProvider);
+
+    // The parts. The store lies at "ZRMStatisticsStorage/ZRMStatisticsStorage" below the path;
+    // null, with a log line, when it cannot be opened.
+    static std::string storageUrlAtPath(const std::string& storagePath);
+    static std::shared_ptr<ZRMStatisticsStorage> createStatisticsStorageAtPath(
+        const std::shared_ptr<const ZRMPlatform>& platform, const std::string& storagePath);
+    static std::shared_ptr<ZRMStatisticsSender> createStatisticsSenderWithUrl(
+        const std::shared_ptr<const ZRMPlatform>& platform, const std::string& url,
+        const std::shared_ptr<ZRMStatisticsCustomHeadersProvider>& customHeadersProvider,
+        const std::shared_ptr<ZRMServerTimeProvider>& serverTimeProvider);
 };

@@ -1,0 +1,71 @@
+#include "ZRMStatistics/ZRMStatistics_Lib/Operations/ZRMStatisticBaseOperation.h"
+
+#include <utility>
+
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLog.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMText.h"
+#include "ZRMStatistics/ZRMStatistics_Lib/Operations/ZRMStatisticsSaveGroup.h"
+
+ZRMStatisticBaseOperation::ZRMStatisticBaseOperation(std::shared_ptr<ZRMStatisticsData> jwsData,
+                                                     std::shared_ptr<ZRMStatisticsContext> context)
+    : ZRMErrorProneOperation(context->platform()->consoleLog),
+      jwsData_(std::move(jwsData)),
+      context_(std::move(context)) {}
+
+void ZRMStatisticBaseOperation::execute() {
+    if (const auto group = std::exchange(group_, nullptr)) {
+        group->run();
+    }
+    auto outcome = outcome_ ? *std::exchange(outcome_, std::nullopt) : runAlone();
+    if (outcome.log) {
+        outcome.log();
+    }
+    finishWithError(std::move(outcome.error));
+}
+
+ZRMStatisticBaseOperation::Outcome ZRMStatisticBaseOperation::runAlone() {
+    Outcome outcome;
+    context_->performBlockAndWait([&] {
+        outcome = changeRecords();
+        if (outcome.error) {
+            context_->rollback();
+        } else if (auto error = context_->save()) {
+            outcome = {error, [this, failure = *error] { logSaveFailure(failure); }};
+        }
+    });
+    return outcome;
+}
+
+ZRMStatisticBaseOperation::Found ZRMStatisticBaseOperation::findStatistic() {
+    auto request = ZRMStatisticEntity::fetchRequest();
+    request.jws = jwsData_->bytes();
+    request.fetchLimit = 1;
+    if (!request.jws) {
+        return {std::nullopt, {std::nullopt, [this] { logMissing(); }}};
+    }
+    auto fetched = context_->executeFetchRequest(request);
+    if (!fetched) {
+        return {std::nullopt,
+                {fetched.error(), [this, text = request.description(), error = fetched.error()] {
+                     zrm_logError(this, "Can't execute fetch request '" + text +
+                                            "': " + error.localizedDescription());
+                 }}};
+    }
+    if (fetched.value().empty()) {
+        return {std::nullopt, {std::nullopt, [this] { logMissing(); }}};
+    }
+    return {fetched.value().front(), {}};
+}
+
+void ZRMStatisticBaseOperation::logMissing() {
+    zrm_logError(this, "No statistic found for jwsData: " + jwsText());
+}
+
+std::string ZRMStatisticBaseOperation::jwsText() const {
+    const auto bytes = jwsData_->bytes();
+    if (!bytes) {
+        return "(null)";
+    }
+    auto text = zrm_textFromData(*bytes);
+    return zrm_isValidUtf8(text) ? text : "(null)";
+}

@@ -1,0 +1,157 @@
+#include "ZRMStatistics/ZRMStatistics_Lib/Sender/ZRMStatisticsSenderImpl.h"
+
+#include <utility>
+
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLog.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Operations/ZRMBlockOperation.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/RunLoop/ZRMRunLoop.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Url/ZRMUrl.h"
+#include "ZRMStatistics/ZRMStatistics_Lib/Sender/ZRMStatisticsRequest.h"
+
+namespace {
+
+// One upload ready behind each that runs keeps the queue busy.
+constexpr std::size_t kMaxEnqueued = 2 * ZRMStatisticsSenderImpl::kMaxUploads;
+
+std::shared_ptr<ZRMReachabilityInspector> inspectorForUrl(
+    const std::shared_ptr<const ZRMPlatform>& platform, const std::string& text) {
+    const auto url = ZRMUrl::fromText(text);
+    if (url && url->host() && !url->host()->empty()) {
+        return ZRMReachabilityInspector::inspectorWithHostName(platform, *url->host());
+    }
+    return ZRMReachabilityInspector::inspectorForInternetConnection(platform);
+}
+
+}  // namespace
+
+std::shared_ptr<ZRMStatisticsSenderImpl> ZRMStatisticsSenderImpl::create(
+    std::shared_ptr<const ZRMPlatform> platform, const std::string& url,
+    const std::shared_ptr<ZRMStatisticsCustomHeadersProvider>& customHeadersProvider,
+    std::shared_ptr<ZRMServerTimeProvider> serverTimeProvider) {
+    std::shared_ptr<ZRMStatisticsSenderImpl> sender(new ZRMStatisticsSenderImpl(
+        std::move(platform), url, customHeadersProvider, std::move(serverTimeProvider)));
+    auto& inspector = *sender->reachabilityInspector_;
+    inspector.addObserver(sender);
+    inspector.startNotifierWithRunLoop(ZRMRunLoop::mainRunLoop(sender->platform_->executor));
+    return sender;
+}
+
+ZRMStatisticsSenderImpl::ZRMStatisticsSenderImpl(
+    std::shared_ptr<const ZRMPlatform> platform, const std::string& url,
+    const std::shared_ptr<ZRMStatisticsCustomHeadersProvider>& customHeadersProvider,
+    std::shared_ptr<ZRMServerTimeProvider> serverTimeProvider)
+    : platform_(std::move(platform)),
+      url_(url),
+      customHeadersProvider_(customHeadersProvider),
+      serverTimeProvider_(std::move(serverTimeProvider)),
+      reachabilityInspector_(inspectorForUrl(platform_, url_)),
+      observers_(platform_->consoleLog),
+      queue_(platform_->executor, zrm_queueNameForClass("ZRMStatisticsSenderImpl"), kMaxUploads) {}
+
+void ZRMStatisticsSenderImpl::addObserver(
+    const std::shared_ptr<ZRMStatisticsSenderObserver>& observer) {
+    observers_.addObserver(observer);
+}
+
+void ZRMStatisticsSenderImpl::removeObserver(const ZRMStatisticsSenderObserver* observer) {
+    observers_.removeObserver(observer);
+}
+
+void ZRMStatisticsSenderImpl::inspector(ZRMReachabilityInspector& /*inspector*/,
+                                        ZRMNetworkStatus didChangeStatus) {
+    queue_.setSuspended(didChangeStatus == ZRMNetworkStatus::NotReachable);
+}
+
+std::shared_ptr<const ZRMStatisticsSenderImpl::Headers>
+ZRMStatisticsSenderImpl::currentCustomHeaders() {
+    const auto provider = customHeadersProvider_.lock();
+    auto headers = provider ? provider->customHeaders() : Headers();
+    const std::lock_guard lock(mutex_);
+    // Thousands of waiting uploads share one copy.
+    if (!lastCustomHeaders_ || *lastCustomHeaders_ != headers) {
+        lastCustomHeaders_ = std::make_shared<const Headers>(std::move(headers));
+    }
+    return lastCustomHeaders_;
+}
+
+void ZRMStatisticsSenderImpl::sendStatisticsData(const std::shared_ptr<ZRMStatisticsData>& data) {
+    if (!data->beginUpload()) {
+        return;
+    }
+    Upload upload{data, serverTimeProvider_->getTime(), currentCustomHeaders()};
+    {
+        const std::lock_guard lock(mutex_);
+        if (enqueued_ >= kMaxEnqueued) {
+            data->turnIntoFault();
+        }
+        waiting_.push_back(std::move(upload));
+    }
+    fillQueue();
+}
+
+// One thread at a time fills, so that uploads reach the queue in their order.
+void ZRMStatisticsSenderImpl::fillQueue() {
+    std::unique_lock lock(mutex_);
+    if (std::exchange(isFilling_, true)) {
+        return;
+    }
+    while (enqueued_ < kMaxEnqueued && !waiting_.empty()) {
+        const auto upload = std::move(waiting_.front());
+        waiting_.pop_front();
+        ++enqueued_;
+        lock.unlock();
+        const bool isEnqueued = enqueue(upload);
+        lock.lock();
+        if (!isEnqueued) {
+            --enqueued_;
+        }
+    }
+    isFilling_ = false;
+}
+
+bool ZRMStatisticsSenderImpl::enqueue(const Upload& upload) {
+    auto bytes = upload.data->bytes();
+    if (!bytes) {
+        upload.data->abandonUpload();
+        zrm_logError(this, "Can't read stored statistic to send it");
+        return false;
+    }
+    const auto request = std::make_shared<ZRMUrlRequestOperation>(
+        platform_,
+        zrm_statisticsRequest(url_, std::move(bytes), upload.serverTimeMilliseconds,
+                              *upload.customHeaders),
+        true);
+    const auto completion = ZRMBlockOperation::blockOperationWithBlock(
+        [weak = weak_from_this(), request, data = upload.data] {
+            if (const auto self = weak.lock()) {
+                self->completeUpload(*request, data);
+            }
+        });
+    completion->addDependency(request);
+    queue_.addOperations({request, completion});
+    return true;
+}
+
+void ZRMStatisticsSenderImpl::completeUpload(const ZRMUrlRequestOperation& operation,
+                                             const std::shared_ptr<ZRMStatisticsData>& data) {
+    if (const auto error = operation.error()) {
+        data->abandonUpload();
+        observers_.notifyWithBlock([&](ZRMStatisticsSenderObserver& observer) {
+            observer.statisticsSenderDidFailToSendData(*this, data, *error);
+        });
+    } else {
+        const auto response = operation.response();
+        const auto* date = response ? response->headers.find("Date") : nullptr;
+        if (date != nullptr && !date->empty()) {
+            serverTimeProvider_->setTime(*date);
+        }
+        observers_.notifyWithBlock([&](ZRMStatisticsSenderObserver& observer) {
+            observer.statisticsSenderDidSendData(*this, data);
+        });
+    }
+    {
+        const std::lock_guard lock(mutex_);
+        --enqueued_;
+    }
+    fillQueue();
+}
