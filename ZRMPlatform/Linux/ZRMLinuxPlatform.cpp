@@ -6,6 +6,7 @@
 #include "ZRMPlatform/Linux/ZRMLinuxDirectories.h"
 #include "ZRMPlatform/Linux/ZRMLinuxExecutor.h"
 #include "ZRMPlatform/Linux/ZRMLinuxFileManager.h"
+#include "ZRMPlatform/Linux/ZRMLinuxJailbreakTraits.h"
 #include "ZRMPlatform/Linux/ZRMLinuxProcessEnvironment.h"
 #include "ZRMPlatform/Linux/ZRMLinuxRandom.h"
 #include "ZRMPlatform/Linux/ZRMLinuxRoutes.h"
@@ -22,7 +23,11 @@ std::shared_ptr<const ZRMPlatform> zrm_makeLinuxPlatform(const ZRMLinuxPlatformO
     platform->device = std::make_shared<ZRMLinuxDevice>();
     platform->directories = directories;
     platform->executor = std::make_shared<ZRMLinuxExecutor>(options.mainQueue);
+    platform->commandProcessor = std::make_shared<ZRMLinuxCommandProcessor>();
+    platform->fileAccess = std::make_shared<ZRMLinuxFileAccess>();
     platform->fileManager = std::make_shared<ZRMLinuxFileManager>();
+    platform->loader = zrm_processLoader();
+    platform->urlOpener = std::make_shared<ZRMLinuxUrlOpener>();
     platform->random = std::make_shared<ZRMLinuxRandom>();
     platform->urlSessions = std::make_shared<ZRMLinuxUrlSessionFactory>(
         platform->executor, options.certificateAuthorityFile, options.resolveOverrides, routes);

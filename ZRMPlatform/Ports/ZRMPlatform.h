@@ -12,8 +12,10 @@
 #include "ZRMPlatform/Ports/ZRMDigests.h"
 #include "ZRMPlatform/Ports/ZRMExecutor.h"
 #include "ZRMPlatform/Ports/ZRMFileManager.h"
+#include "ZRMPlatform/Ports/ZRMJailbreakTraits.h"
 #include "ZRMPlatform/Ports/ZRMKeychainItems.h"
 #include "ZRMPlatform/Ports/ZRMKeyedArchive.h"
+#include "ZRMPlatform/Ports/ZRMLoader.h"
 #include "ZRMPlatform/Ports/ZRMProcessInstances.h"
 #include "ZRMPlatform/Ports/ZRMRandom.h"
 #include "ZRMPlatform/Ports/ZRMReachabilityTarget.h"
@@ -41,6 +43,10 @@ struct ZRMPlatform {
     std::shared_ptr<ZRMLocaleSource> locale;
     std::shared_ptr<ZRMLocationAuthorization> locationAuthorization;
     std::shared_ptr<ZRMProcessEnvironment> processEnvironment;
+    std::shared_ptr<ZRMLoader> loader;
+    std::shared_ptr<ZRMFileAccess> fileAccess;
+    std::shared_ptr<ZRMUrlOpener> urlOpener;
+    std::shared_ptr<ZRMCommandProcessor> commandProcessor;
     std::shared_ptr<ZRMConsoleLog> consoleLog;
     std::shared_ptr<ZRMRandom> random;
     std::shared_ptr<ZRMProcessInstances> instances = std::make_shared<ZRMProcessInstances>();

@@ -23,7 +23,9 @@ ZRMSimulatedDevice::ZRMSimulatedDevice()
       linkLayer_(std::make_shared<ZRMSimulatedLinkLayer>()),
       locale_(std::make_shared<ZRMSimulatedLocaleSource>()),
       locationAuthorization_(std::make_shared<ZRMSimulatedLocationAuthorization>()),
-      environment_(std::make_shared<ZRMSimulatedProcessEnvironment>()) {
+      environment_(std::make_shared<ZRMSimulatedProcessEnvironment>()),
+      fileAccess_(std::make_shared<ZRMSimulatedFileAccess>()),
+      commandProcessor_(std::make_shared<ZRMSimulatedCommandProcessor>()) {
     startProcess();
 }
 
@@ -36,6 +38,8 @@ void ZRMSimulatedDevice::startProcess() {
     ++lives_;
     process_ = std::make_shared<ZRMSimulatedProcess>(time_);
     executor_ = std::make_shared<ZRMSimulatedExecutor>(process_);
+    loader_ = std::make_shared<ZRMSimulatedLoader>();
+    urlOpener_ = std::make_shared<ZRMSimulatedUrlOpener>(executor_->mainQueue());
     platform_ = makePlatform();
     setSchedulingSeed(seed_);
     if (installed_) {
@@ -73,6 +77,10 @@ std::shared_ptr<ZRMPlatform> ZRMSimulatedDevice::makePlatform() {
     platform->locale = locale_;
     platform->locationAuthorization = locationAuthorization_;
     platform->processEnvironment = environment_;
+    platform->loader = loader_;
+    platform->fileAccess = fileAccess_;
+    platform->urlOpener = urlOpener_;
+    platform->commandProcessor = commandProcessor_;
     platform->random = random_;
     return platform;
 }

@@ -16,8 +16,10 @@
 #include "ZRMPlatform/Simulated/ZRMSimulatedDisk.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedExecutor.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedFileManager.h"
+#include "ZRMPlatform/Simulated/ZRMSimulatedJailbreakTraits.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedKeychain.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedKeyedArchiver.h"
+#include "ZRMPlatform/Simulated/ZRMSimulatedLoader.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedNetwork.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedProcess.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedRandom.h"
@@ -100,6 +102,11 @@ class ZRMSimulatedDevice {
         return *locationAuthorization_;
     }
     [[nodiscard]] ZRMSimulatedProcessEnvironment& processEnvironment() { return *environment_; }
+    [[nodiscard]] ZRMSimulatedFileAccess& fileAccess() { return *fileAccess_; }
+    [[nodiscard]] ZRMSimulatedCommandProcessor& commandProcessor() { return *commandProcessor_; }
+    // Of the current process.
+    [[nodiscard]] ZRMSimulatedLoader& loader() { return *loader_; }
+    [[nodiscard]] ZRMSimulatedUrlOpener& urlOpener() { return *urlOpener_; }
     // The executor of the current process.
     [[nodiscard]] ZRMSimulatedExecutor& executor() { return *executor_; }
 
@@ -130,9 +137,13 @@ class ZRMSimulatedDevice {
     std::shared_ptr<ZRMSimulatedLocaleSource> locale_;
     std::shared_ptr<ZRMSimulatedLocationAuthorization> locationAuthorization_;
     std::shared_ptr<ZRMSimulatedProcessEnvironment> environment_;
+    std::shared_ptr<ZRMSimulatedFileAccess> fileAccess_;
+    std::shared_ptr<ZRMSimulatedCommandProcessor> commandProcessor_;
 
     std::shared_ptr<ZRMSimulatedProcess> process_;
     std::shared_ptr<ZRMSimulatedExecutor> executor_;
+    std::shared_ptr<ZRMSimulatedLoader> loader_;
+    std::shared_ptr<ZRMSimulatedUrlOpener> urlOpener_;
     std::shared_ptr<ZRMPlatform> platform_;
     std::optional<std::uint64_t> seed_;
     std::uint64_t lives_ = 0;
