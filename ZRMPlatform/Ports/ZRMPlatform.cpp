@@ -1,5 +1,6 @@
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 
+#include <atomic>
 #include <mutex>
 
 namespace {
@@ -8,6 +9,7 @@ namespace {
 struct Installed {
     std::mutex mutex;
     std::shared_ptr<const ZRMPlatform> platform;
+    std::atomic<std::uint64_t> generation = 0;
 };
 
 Installed& installed() {
@@ -22,6 +24,7 @@ std::shared_ptr<const ZRMPlatform> ZRMPlatform::current() {
     const std::lock_guard lock(slot.mutex);
     if (!slot.platform) {
         slot.platform = zrm_makeDefaultPlatform();
+        ++slot.generation;
     }
     return slot.platform;
 }
@@ -31,4 +34,9 @@ void ZRMPlatform::install(std::shared_ptr<const ZRMPlatform> platform) {
     std::shared_ptr<const ZRMPlatform> previous;  // released after the lock
     const std::lock_guard lock(slot.mutex);
     previous = std::exchange(slot.platform, std::move(platform));
+    ++slot.generation;
+}
+
+std::uint64_t ZRMPlatform::generation() {
+    return installed().generation;
 }

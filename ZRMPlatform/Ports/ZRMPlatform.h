@@ -1,6 +1,7 @@
 // The device the library runs on: one body for every port.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "ZRMPlatform/Ports/Values/ZRMExport.h"
@@ -57,6 +58,10 @@ struct ZRMPlatform {
     // Replaces the platform for what is made from now on; what exists keeps the one it was made
     // with.
     ZRM_EXPORT static void install(std::shared_ptr<const ZRMPlatform> platform);
+
+    // How often a platform was installed: what was taken from current() is still of the installed
+    // platform as long as this number is the same. Takes no lock.
+    static std::uint64_t generation();
 };
 
 // Makes the body that current() falls back to. Defined by the platform folder that is linked in.

@@ -19,7 +19,7 @@ void zrm_logVerbose(const void* object, std::string_view text, const char* file 
 
 // The same for a text that is only made when some logger takes it.
 template <class MakeText>
-    requires std::is_invocable_r_v<std::string, MakeText>
+requires std::is_invocable_r_v<std::string, MakeText>
 void zrm_logVerbose(const void* object, const MakeText& makeText,
                     const char* file = __builtin_FILE(), int line = __builtin_LINE());
 
@@ -27,7 +27,7 @@ void zrm_logVerbose(const void* object, const MakeText& makeText,
 [[nodiscard]] bool zrm_isLogLevelAccepted(ZRMLogLevel level);
 
 template <class MakeText>
-    requires std::is_invocable_r_v<std::string, MakeText>
+requires std::is_invocable_r_v<std::string, MakeText>
 void zrm_logVerbose(const void* object, const MakeText& makeText, const char* file, int line) {
     if (zrm_isLogLevelAccepted(kZRMLogLevelVerbose)) {
         zrm_logVerbose(object, std::string_view(makeText()), file, line);

@@ -11,9 +11,11 @@ std::shared_ptr<ZRMLoggerCollection> ZRMLoggerCollection::sharedInstance() {
 
 void ZRMLoggerCollection::addLogger(std::shared_ptr<ZRMLogger> logger) {
     const std::lock_guard lock(mutex_);
-    if (std::ranges::find(collection_, logger) == collection_.end()) {
-        collection_.push_back(std::move(logger));
+    if (std::ranges::find(collection_, logger, &Member::logger) != collection_.end()) {
+        return;
     }
+    auto& last = collection_.empty() ? first_ : collection_.back().next;
+    last.store(&collection_.emplace_back(std::move(logger)), std::memory_order_release);
 }
 
 void ZRMLoggerCollection::logMessage(const std::string& message, ZRMLogLevel level) {
@@ -23,17 +25,19 @@ void ZRMLoggerCollection::logMessage(const std::string& message, ZRMLogLevel lev
 void ZRMLoggerCollection::logMessage(const std::string& message, ZRMLogLevel level,
                                      const ZRMLogger* excludeLogger) {
     const std::lock_guard lock(mutex_);
-    // By index: an observer of a logger may add a logger meanwhile.
-    for (std::size_t index = 0; index < collection_.size(); ++index) {
-        const auto logger = collection_[index];
-        if (logger.get() != excludeLogger) {
-            logger->logMessage(message, level);
+    for (const auto* member = first_.load(); member != nullptr; member = member->next.load()) {
+        if (member->logger.get() != excludeLogger) {
+            member->logger->logMessage(message, level);
         }
     }
 }
 
 bool ZRMLoggerCollection::accepts(ZRMLogLevel level) const {
-    const std::lock_guard lock(mutex_);
-    return std::ranges::any_of(collection_,
-                               [level](const auto& logger) { return level >= logger->logLevel(); });
+    for (const auto* member = first_.load(std::memory_order_acquire); member != nullptr;
+         member = member->next.load(std::memory_order_acquire)) {
+        if (level >= member->logger->logLevel()) {
+            return true;
+        }
+    }
+    return false;
 }

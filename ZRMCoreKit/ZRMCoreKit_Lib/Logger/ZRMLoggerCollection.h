@@ -1,10 +1,11 @@
 // Every log line of the library goes through here to the loggers there are.
 #pragma once
 
+#include <atomic>
+#include <deque>
 #include <memory>
 #include <mutex>
 #include <string>
-#include <vector>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLogger.h"
 
@@ -22,10 +23,20 @@ class ZRMLoggerCollection {
     // To every logger but `excludeLogger`, in the order of their addition.
     void logMessage(const std::string& message, ZRMLogLevel level, const ZRMLogger* excludeLogger);
 
-    // Whether some logger would take a message of that level.
+    // Whether some logger would take a message of that level. Takes no lock: this is asked before
+    // every line, and mostly answered with no.
     [[nodiscard]] bool accepts(ZRMLogLevel level) const;
 
   private:
-    mutable std::recursive_mutex mutex_;
-    std::vector<std::shared_ptr<ZRMLogger>> collection_;
+    // Loggers are only ever added, so the chain can be followed while it grows.
+    struct Member {
+        explicit Member(std::shared_ptr<ZRMLogger> theLogger) : logger(std::move(theLogger)) {}
+
+        const std::shared_ptr<ZRMLogger> logger;
+        std::atomic<const Member*> next = nullptr;
+    };
+
+    std::recursive_mutex mutex_;
+    std::deque<Member> collection_;  // guarded by the mutex; its members never move
+    std::atomic<const Member*> first_ = nullptr;
 };

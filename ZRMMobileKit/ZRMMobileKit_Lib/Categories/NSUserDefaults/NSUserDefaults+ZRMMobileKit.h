@@ -1,0 +1,39 @@
+// The module's small persistent values.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "ZRMPlatform/Ports/ZRMUserDefaults.h"
+
+inline constexpr const char* kZRMMobileKitDefaultsSuite = "com.velorin.zrm.mobilekit.userdefaults";
+
+// Where the execution-session identifier outlives the process.
+class ZRMExecSessionIdStorage {
+  public:
+    virtual ~ZRMExecSessionIdStorage() = default;
+    // Absent until one was stored.
+    [[nodiscard]] virtual std::optional<std::string> execSessionId() const = 0;
+    virtual void setExecSessionId(const std::string& identifier) = 0;
+    // Seconds since 1970 after which the identifier is replaced; 0 until one was stored.
+    [[nodiscard]] virtual double execSessionIdRefreshTimestamp() const = 0;
+    virtual void setExecSessionIdRefreshTimestamp(double secondsSince1970) = 0;
+};
+
+// A handle on the module's suite. May be used from any thread.
+class ZRMMobileKitDefaults final : public ZRMExecSessionIdStorage {
+  public:
+    explicit ZRMMobileKitDefaults(std::unique_ptr<ZRMUserDefaultsSuite> suite);
+
+    [[nodiscard]] std::optional<std::string> execSessionId() const override;
+    void setExecSessionId(const std::string& identifier) override;
+    [[nodiscard]] double execSessionIdRefreshTimestamp() const override;
+    void setExecSessionIdRefreshTimestamp(double secondsSince1970) override;
+
+  private:
+    const std::unique_ptr<ZRMUserDefaultsSuite> suite_;
+};
+
+// A new handle on each call.
+std::shared_ptr<ZRMMobileKitDefaults> zrm_mobileKitDefaults(ZRMUserDefaults& userDefaults);
