@@ -215,9 +215,8 @@ TEST_F(ZRMOperationsStressTest, RetryingRequestsFinishWhileTheQueueIsSuspendedAn
                 other->cancel();
             }
             // Dropped while it executes, with no queue that holds it.
-            request.url = "https://dropped";
-            const auto dropped =
-                std::make_shared<ZRMUrlRequestOperation>(platform, request, true, kMinSeconds, 1.0);
+            const auto dropped = std::make_shared<ZRMUrlRequestOperation>(
+                platform, ZRMUrlRequest{.url = "https://dropped"}, true, kMinSeconds, 1.0);
             dropped->start();
         }
     });
