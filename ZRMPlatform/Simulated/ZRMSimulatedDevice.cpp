@@ -40,6 +40,7 @@ void ZRMSimulatedDevice::startProcess() {
     executor_ = std::make_shared<ZRMSimulatedExecutor>(process_);
     loader_ = std::make_shared<ZRMSimulatedLoader>();
     urlOpener_ = std::make_shared<ZRMSimulatedUrlOpener>(executor_->mainQueue());
+    sqliteFiles_ = std::make_unique<ZRMSimulatedSqliteFiles>(disk_, process_, time_, random_);
     platform_ = makePlatform();
     setSchedulingSeed(seed_);
     if (installed_) {
@@ -62,7 +63,7 @@ std::shared_ptr<ZRMPlatform> ZRMSimulatedDevice::makePlatform() {
     platform->digests = digests_;
     platform->rsaKeys = rsaKeys_;
     platform->fileManager = std::make_shared<ZRMSimulatedFileManager>(disk_, process_);
-    platform->directories = std::make_shared<ZRMSimulatedDirectories>(std::string());
+    platform->directories = std::make_shared<ZRMSimulatedDirectories>(sqliteFiles_->name());
     platform->consoleLog = std::make_shared<ZRMSimulatedConsoleLog>(console_, process_);
     platform->userDefaults =
         std::make_shared<ZRMSimulatedUserDefaults>(defaults_, process_, platform->consoleLog);

@@ -25,6 +25,7 @@
 #include "ZRMPlatform/Simulated/ZRMSimulatedRandom.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedReachability.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedRsaKeys.h"
+#include "ZRMPlatform/Simulated/ZRMSimulatedSqliteFiles.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedTime.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedUserDefaults.h"
 
@@ -144,6 +145,7 @@ class ZRMSimulatedDevice {
     std::shared_ptr<ZRMSimulatedExecutor> executor_;
     std::shared_ptr<ZRMSimulatedLoader> loader_;
     std::shared_ptr<ZRMSimulatedUrlOpener> urlOpener_;
+    std::unique_ptr<ZRMSimulatedSqliteFiles> sqliteFiles_;
     std::shared_ptr<ZRMPlatform> platform_;
     std::optional<std::uint64_t> seed_;
     std::uint64_t lives_ = 0;

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <utility>
 #include <vector>
 
 #include "ZRMPlatform/Ports/ZRMConsoleLog.h"
@@ -22,8 +23,7 @@ class ZRMObserversCollection {
         const std::lock_guard lock(mutex_);
         dropDestroyed();
         if (find(observer.get()) != observers_.end()) {
-            consoleLog_->write(
-                "<WARNING>: Attempt to add observer which had been added already\n");
+            consoleLog_->write("<WARNING>: Attempt to add observer which had been added already\n");
             return;
         }
         observers_.push_back({observer, observer.get()});
@@ -48,12 +48,17 @@ class ZRMObserversCollection {
 
     // Calls back once with each living member, in no particular order.
     void notifyWithBlock(const std::function<void(Observer&)>& block) {
+        // Let go of after the lock: one of them may be the last, and leave in its destructor.
+        std::vector<std::shared_ptr<Observer>> living;
         const std::lock_guard lock(mutex_);
         dropDestroyed();
         for (const auto& member : observers_) {
-            if (const auto observer = member.weak.lock()) {
-                block(*observer);
+            if (auto observer = member.weak.lock()) {
+                living.push_back(std::move(observer));
             }
+        }
+        for (const auto& observer : living) {
+            block(*observer);
         }
     }
 

@@ -26,13 +26,15 @@ void ZRMTimer::schedule(const std::shared_ptr<ZRMRunLoop>& runLoop) {
             self->fire(loop);
         }
     };
-    const std::lock_guard lock(mutex_);
-    runLoop_ = runLoop;
-    handle_ = repeats_ ? runLoop->queue()->postEvery(intervalSeconds_, std::move(task))
-                       : runLoop->queue()->postAfter(intervalSeconds_, std::move(task));
-    // Invalidated before there was a handle to cancel.
+    {
+        const std::lock_guard lock(mutex_);
+        runLoop_ = runLoop;
+        handle_ = repeats_ ? runLoop->queue()->postEvery(intervalSeconds_, std::move(task))
+                           : runLoop->queue()->postAfter(intervalSeconds_, std::move(task));
+    }
+    // Invalidated on another thread before there was a loop to leave.
     if (!isValid()) {
-        handle_->cancel();
+        invalidate();
     }
 }
 

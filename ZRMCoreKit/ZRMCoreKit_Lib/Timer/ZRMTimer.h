@@ -18,7 +18,8 @@ class ZRMTimer : public std::enable_shared_from_this<ZRMTimer> {
   public:
     using UserInfo = std::map<std::string, std::shared_ptr<ZRMBlockHolder>>;
 
-    // An interval of 0 or less means 0.1 milliseconds. The holder's block is what the timer does.
+    // An interval of 0 or less means 0.1 milliseconds. The holder is present; its block is
+    // what the timer does.
     ZRMTimer(double intervalSeconds, bool repeats, std::shared_ptr<ZRMBlockHolder> target,
              UserInfo userInfo = {});
     ZRMTimer(const ZRMTimer&) = delete;

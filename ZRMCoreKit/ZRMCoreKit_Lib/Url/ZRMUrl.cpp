@@ -1,14 +1,19 @@
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Url/ZRMUrl.h"
 
+#include <algorithm>
+
 #include <boost/url/parse.hpp>
+#include <boost/url/pct_string_view.hpp>
 #include <boost/url/url_view.hpp>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMText.h"
 
 namespace {
 
-std::string decoded(boost::urls::pct_string_view encoded) {
-    return encoded.decode({}, boost::urls::string_token::return_string{});
+// Of a part of a URL, whose escapes are known to be well-formed.
+std::string decoded(std::string_view encoded) {
+    return boost::urls::pct_string_view(encoded).decode({},
+                                                        boost::urls::string_token::return_string{});
 }
 
 // The parser ends an authority at a port that is no number and takes the rest for the path.
@@ -35,15 +40,22 @@ std::optional<ZRMUrl> ZRMUrl::fromText(std::string_view text) {
     return ZRMUrl(text, std::move(scheme), std::move(host));
 }
 
+// Splits by hand: the parser's own view of the items fails on a query that is there but empty.
 std::optional<std::string> ZRMUrl::queryItem(std::string_view name) const {
     const auto parsed = boost::urls::parse_uri_reference(text_);
-    for (const auto& item : parsed->encoded_params()) {
-        if (decoded(item.key) != name) {
+    std::string_view rest = parsed->encoded_query();
+    while (!rest.empty()) {
+        const auto item = rest.substr(0, rest.find('&'));
+        rest.remove_prefix(std::min(item.size() + 1, rest.size()));
+        const auto nameEnd = item.find('=');
+        if (decoded(item.substr(0, nameEnd)) != name) {
             continue;
         }
-        auto value = decoded(item.value);
-        return item.has_value && zrm_isValidUtf8(value) ? std::optional(std::move(value))
-                                                        : std::nullopt;
+        if (nameEnd == std::string_view::npos) {
+            return std::nullopt;
+        }
+        auto value = decoded(item.substr(nameEnd + 1));
+        return zrm_isValidUtf8(value) ? std::optional(std::move(value)) : std::nullopt;
     }
     return std::nullopt;
 }

@@ -4,44 +4,13 @@
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSData/NSData+ZRMCoreKit.h"
 #include "ZRMCoreKit/ZRMCoreKit_Tests/Support/ZRMRecordedLog.h"
+#include "ZRMPlatform/Simulated/ZRMSimulatedDevice.h"
 
 namespace {
 
 ZRMData bytes(std::string_view text) {
     return zrm_dataFromText(text);
 }
-
-// A digest of nothing but the bytes it was fed, or one that fails at a chosen step.
-class ScriptedDigests final : public ZRMDigests {
-  public:
-    enum class Failure { None, AtMaking, AtFinish };
-    explicit ScriptedDigests(Failure failure = Failure::None) : failure_(failure) {}
-
-    std::unique_ptr<ZRMDigestContext> makeContext(ZRMDigestAlgorithm algorithm) override {
-        asked = algorithm;
-        return failure_ == Failure::AtMaking ? nullptr : std::make_unique<Context>(failure_);
-    }
-
-    std::optional<ZRMDigestAlgorithm> asked;
-
-  private:
-    class Context final : public ZRMDigestContext {
-      public:
-        explicit Context(Failure failure) : failure_(failure) {}
-        void update(std::span<const std::uint8_t> part) override {
-            fed_.insert(fed_.end(), part.begin(), part.end());
-        }
-        std::optional<ZRMData> finish() override {
-            return failure_ == Failure::AtFinish ? std::nullopt : std::optional(fed_);
-        }
-
-      private:
-        Failure failure_;
-        ZRMData fed_;
-    };
-
-    Failure failure_;
-};
 
 }  // namespace
 
@@ -53,6 +22,8 @@ TEST(ZRMData, JsonIsCompact) {
 
 TEST(ZRMData, JsonThatCannotBeWrittenIsLoggedAndHandedBack) {
     const ZRMDictionary object{{"a", std::numeric_limits<double>::infinity()}};
+    ZRMSimulatedDevice device;
+    const ZRMScopedPlatform installed(device);
     const ZRMRecordedLog log;
     std::optional<ZRMError> error;
     EXPECT_EQ(zrm_dataFromJson(object, error), std::nullopt);
@@ -96,21 +67,32 @@ TEST(ZRMData, XorWithBytesTakesTheFirstOnes) {
     EXPECT_EQ(zrm_xorWithBytes(ZRMData{1, 2, 3}, key.data(), 2), (ZRMData{0, 0, 2}));
 }
 
-TEST(ZRMData, HashesAskForTheirAlgorithmAndFeedTheWholeData) {
-    ScriptedDigests digests;
-    EXPECT_EQ(zrm_hashSHA256(digests, bytes("abc")), bytes("abc"));
-    EXPECT_EQ(digests.asked, ZRMDigestAlgorithm::Sha256);
-    EXPECT_EQ(zrm_hashSHA1(digests, bytes("")), bytes(""));
-    EXPECT_EQ(digests.asked, ZRMDigestAlgorithm::Sha1);
+TEST(ZRMData, HashesAreThoseOfThePublishedExamples) {
+    ZRMSimulatedDigests digests;
+    EXPECT_EQ(zrm_hexString(zrm_hashSHA256(digests, bytes("abc")).value()),
+              "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+    EXPECT_EQ(zrm_hexString(zrm_hashSHA1(digests, bytes("abc")).value()),
+              "a9993e364706816aba3e25717850c26c9cd0d89d");
+    EXPECT_EQ(zrm_hexString(zrm_hashSHA256(digests, {}).value()),
+              "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
+    EXPECT_EQ(zrm_hexString(zrm_hashSHA1(digests, {}).value()),
+              "da39a3ee5e6b4b0d3255bfef95601890afd80709");
 }
 
 TEST(ZRMData, HashesAreAbsentWhenThePrimitiveFails) {
-    for (const auto failure :
-         {ScriptedDigests::Failure::AtMaking, ScriptedDigests::Failure::AtFinish}) {
-        ScriptedDigests digests(failure);
-        EXPECT_EQ(zrm_hashSHA256(digests, bytes("abc")), std::nullopt);
-        EXPECT_EQ(zrm_hashSHA1(digests, bytes("abc")), std::nullopt);
-    }
+    ZRMSimulatedDigests digests;
+    digests.setFinishFails(true);
+    EXPECT_EQ(zrm_hashSHA256(digests, bytes("abc")), std::nullopt);
+    EXPECT_EQ(zrm_hashSHA1(digests, bytes("abc")), std::nullopt);
+}
+
+TEST(ZRMData, HashesAreAbsentWhenTheAlgorithmIsNotToBeHad) {
+    ZRMSimulatedDigests digests;
+    digests.setAvailable(ZRMDigestAlgorithm::Sha1, false);
+    EXPECT_EQ(zrm_hashSHA1(digests, bytes("abc")), std::nullopt);
+    EXPECT_TRUE(zrm_hashSHA256(digests, bytes("abc")));
+    digests.setAvailable(ZRMDigestAlgorithm::Sha256, false);
+    EXPECT_EQ(zrm_hashSHA256(digests, bytes("abc")), std::nullopt);
 }
 
 TEST(ZRMData, Base64IsPaddedAndHasNoLineBreaks) {

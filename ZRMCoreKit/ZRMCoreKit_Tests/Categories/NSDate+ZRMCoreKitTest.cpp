@@ -5,31 +5,32 @@
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSDate/NSDate+ZRMCoreKit.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSDateFormatter/NSDateFormatter+ZRMCoreKit.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSString/NSString+Json.h"
-#include "ZRMPlatform/Ports/ZRMPlatform.h"
+#include "ZRMPlatform/Simulated/ZRMSimulatedDevice.h"
 
 namespace {
 
 constexpr ZRMDate kMoment{1709622489};  // 2024-03-05 07:08:09 UTC, a Tuesday
 
-class PlaceOfTheDevice final : public ZRMLocaleSource {
+ZRMSimulatedLocaleSource placeOf(const std::string& timeZone, const std::string& locale) {
+    ZRMSimulatedLocaleSource place;
+    place.setTimeZoneIdentifier(timeZone);
+    place.setLocaleIdentifier(locale);
+    return place;
+}
+
+const ZRMSimulatedLocaleSource kVienna = placeOf("Europe/Vienna", "de_AT");
+
+// A process on a device in that time zone, as long as it lives.
+class ProcessIn {
   public:
-    PlaceOfTheDevice(std::string timeZone, std::string locale)
-        : timeZone_(std::move(timeZone)), locale_(std::move(locale)) {}
-    [[nodiscard]] std::string timeZoneIdentifier() const override { return timeZone_; }
-    [[nodiscard]] std::string localeIdentifier() const override { return locale_; }
+    explicit ProcessIn(const std::string& timeZone) : installed_(device_) {
+        device_.locale().setTimeZoneIdentifier(timeZone);
+    }
 
   private:
-    std::string timeZone_;
-    std::string locale_;
+    ZRMSimulatedDevice device_;
+    ZRMScopedPlatform installed_;
 };
-
-const PlaceOfTheDevice kVienna("Europe/Vienna", "de_AT");
-
-void installDeviceIn(const std::string& timeZone) {
-    auto platform = std::make_shared<ZRMPlatform>();
-    platform->locale = std::make_shared<PlaceOfTheDevice>(timeZone, "de_AT");
-    ZRMPlatform::install(std::move(platform));
-}
 
 }  // namespace
 
@@ -92,28 +93,43 @@ TEST(ZRMDate, IntervalsBeyondWholeNumbersSaturate) {
 }
 
 TEST(ZRMDate, IsoDescriptionIsInTheDevicesTimeZone) {
-    installDeviceIn("Europe/Vienna");
-    EXPECT_EQ(zrm_isoDescription(kMoment), "20240305T080809");
-    installDeviceIn("America/New_York");
+    {
+        const ProcessIn process("Europe/Vienna");
+        EXPECT_EQ(zrm_isoDescription(kMoment), "20240305T080809");
+    }
+    const ProcessIn process("America/New_York");
     EXPECT_EQ(zrm_isoDescription(kMoment), "20240305T020809");
 }
 
 TEST(ZRMDate, ServerTimeDescriptionNamesTheDevicesTimeZone) {
-    installDeviceIn("GMT");
-    EXPECT_EQ(zrm_serverTimeDescription(kMoment), "Tue, 05 Mar 2024 07:08:09 GMT");
-    installDeviceIn("Europe/Vienna");
+    {
+        const ProcessIn process("GMT");
+        EXPECT_EQ(zrm_serverTimeDescription(kMoment), "Tue, 05 Mar 2024 07:08:09 GMT");
+    }
+    const ProcessIn process("Europe/Vienna");
     EXPECT_EQ(zrm_serverTimeDescription(kMoment), "Tue, 05 Mar 2024 08:08:09 GMT+1");
 }
 
+TEST(ZRMDateFormatters, KeepTheTimeZoneTheyWereMadeIn) {
+    ZRMSimulatedDevice device;
+    const ZRMScopedPlatform installed(device);
+    device.locale().setTimeZoneIdentifier("Asia/Tokyo");
+    EXPECT_EQ(zrm_isoDescription(kMoment), "20240305T160809");
+    device.locale().setTimeZoneIdentifier("GMT");
+    EXPECT_EQ(zrm_isoDescription(kMoment), "20240305T160809");
+    device.restartProcess();
+    EXPECT_EQ(zrm_isoDescription(kMoment), "20240305T070809");
+}
+
 TEST(ZRMDateFormatters, AreMadeOnceForTheProcess) {
-    installDeviceIn("Europe/Vienna");
+    const ProcessIn process("Europe/Vienna");
     EXPECT_EQ(zrm_iso8601DateTimeFormatter(), zrm_iso8601DateTimeFormatter());
     EXPECT_EQ(zrm_serverTimeFormatter(), zrm_serverTimeFormatter());
     EXPECT_NE(zrm_iso8601DateTimeFormatter(), zrm_serverTimeFormatter());
 }
 
 TEST(ZRMDateFormatters, ServerTimeReadsTheDateHeaderOfAnyZone) {
-    installDeviceIn("Asia/Tokyo");
+    const ProcessIn process("Asia/Tokyo");
     const std::pair<const char*, double> cases[] = {
         {"Tue, 05 Mar 2024 07:08:09 GMT", 1709622489},
         {"Tue, 05 Mar 2024 07:08:09 UTC", 1709622489},
@@ -126,7 +142,7 @@ TEST(ZRMDateFormatters, ServerTimeReadsTheDateHeaderOfAnyZone) {
 }
 
 TEST(ZRMDateFormatters, ServerTimeRefusesOtherTexts) {
-    installDeviceIn("GMT");
+    const ProcessIn process("GMT");
     for (const auto* text : {"", "now", "2024-03-05T07:08:09Z", "Tue, 05 Mar 2024 07:08:09",
                              "05 Mar 2024 07:08:09 GMT", "Tue, 32 Mar 2024 07:08:09 GMT",
                              "Tue, 05 Mar 2024 25:08:09 GMT", "Die, 05 Mar 2024 07:08:09 GMT",
@@ -156,12 +172,12 @@ TEST(ZRMDate, LocalDescriptionsTakeTheDevicesLocaleAndTimeZone) {
                                                 ZRMDateFormatterStyle::Short),
               "5. März 2024 um 08:08");
     EXPECT_EQ(zrm_mediumLocalDescriptionForDate(kVienna, kMoment), "05.03.2024");
-    const PlaceOfTheDevice auckland("Pacific/Auckland", "en_NZ");
+    const auto auckland = placeOf("Pacific/Auckland", "en_NZ");
     EXPECT_EQ(zrm_mediumLocalDescriptionForDate(auckland, ZRMDate{1709636400}), "6/03/2024");
 }
 
 TEST(ZRMDate, DescriptionsOfUnheardOfPlacesAndTimesDoNotFail) {
-    const PlaceOfTheDevice nowhere("Nowhere/Land", "xx_YY_ZZZ@calendar=none");
+    const auto nowhere = placeOf("Nowhere/Land", "xx_YY_ZZZ@calendar=none");
     EXPECT_NE(zrm_mediumLocalDescriptionForDate(nowhere, kMoment), "");
     EXPECT_EQ(zrm_mediumLocalDescriptionForDate(kVienna,
                                                 ZRMDate{std::numeric_limits<double>::quiet_NaN()}),

@@ -3,29 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSString/NSString+ZRMCoreKit.h"
+#include "ZRMPlatform/Simulated/ZRMSimulatedDevice.h"
 
 namespace {
-
-class DirectoriesOfAnn final : public ZRMDirectories {
-  public:
-    [[nodiscard]] std::string documents() const override { return "/home/ann/Documents"; }
-    [[nodiscard]] std::string applicationSupport() const override { return "/home/ann/Support"; }
-    [[nodiscard]] std::string databaseFileLayer() const override { return ""; }
-};
-
-class BundleNamed final : public ZRMMainBundle {
-  public:
-    explicit BundleNamed(std::optional<std::string> identifier)
-        : identifier_(std::move(identifier)) {}
-    [[nodiscard]] std::string path() const override { return "/app"; }
-    [[nodiscard]] std::optional<std::string> identifier() const override { return identifier_; }
-    [[nodiscard]] std::optional<std::string> infoText(const std::string&) const override {
-        return std::nullopt;
-    }
-
-  private:
-    std::optional<std::string> identifier_;
-};
 
 // Counts up through all bytes, so that every value comes equally often.
 class CountingRandom final : public ZRMRandom {
@@ -43,18 +23,24 @@ class CountingRandom final : public ZRMRandom {
 }  // namespace
 
 TEST(ZRMString, NamesTheDirectoriesOfTheApplication) {
-    const DirectoriesOfAnn directories;
-    EXPECT_EQ(zrm_documentDirectory(directories), "/home/ann/Documents");
-    EXPECT_EQ(zrm_applicationSupportDirectory(directories), "/home/ann/Support");
-    EXPECT_EQ(zrm_currentApplicationSupportDirectory(directories, BundleNamed("com.example.bank")),
-              "/home/ann/Support/com.example.bank");
+    ZRMSimulatedDevice device;
+    const auto& directories = *device.platform()->directories;
+    EXPECT_EQ(zrm_documentDirectory(directories), directories.documents());
+    EXPECT_EQ(zrm_applicationSupportDirectory(directories), directories.applicationSupport());
 }
 
-TEST(ZRMString, ABundleWithoutIdentifierHasNoDirectory) {
-    const DirectoriesOfAnn directories;
-    EXPECT_EQ(zrm_currentApplicationSupportDirectory(directories, BundleNamed(std::nullopt)),
+TEST(ZRMString, TheCurrentApplicationsDirectoryIsNamedAfterItsIdentifier) {
+    ZRMSimulatedDevice device;
+    const auto& directories = *device.platform()->directories;
+    device.mainBundle().setIdentifier("com.example.bank");
+    EXPECT_EQ(zrm_currentApplicationSupportDirectory(directories, device.mainBundle()),
+              directories.applicationSupport() + "/com.example.bank");
+    device.mainBundle().setIdentifier(std::nullopt);
+    EXPECT_EQ(zrm_currentApplicationSupportDirectory(directories, device.mainBundle()),
               std::nullopt);
-    EXPECT_EQ(zrm_currentApplicationSupportDirectory(directories, BundleNamed("")), std::nullopt);
+    device.mainBundle().setIdentifier("");
+    EXPECT_EQ(zrm_currentApplicationSupportDirectory(directories, device.mainBundle()),
+              std::nullopt);
 }
 
 TEST(ZRMString, Base64UrlGetsAsManyPadsAsItsLengthModulo4) {

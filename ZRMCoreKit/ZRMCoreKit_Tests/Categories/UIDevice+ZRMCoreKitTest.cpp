@@ -4,6 +4,7 @@
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/UIDevice/UIDevice+ZRMCoreKit.h"
 #include "ZRMCoreKit/ZRMCoreKit_Tests/Support/ZRMRecordedLog.h"
+#include "ZRMPlatform/Simulated/ZRMSimulatedDevice.h"
 
 namespace {
 
@@ -33,43 +34,12 @@ class ScriptedLinkLayer final : public ZRMLinkLayer {
 };
 
 void expectFailure(const ScriptedLinkLayer& linkLayer, const char* message) {
+    ZRMSimulatedDevice device;
+    const ZRMScopedPlatform installed(device);
     const ZRMRecordedLog log;
     EXPECT_EQ(zrm_deviceMacAddress(linkLayer), std::nullopt);
     EXPECT_EQ(log.errors(), std::vector<std::string>{std::string("Error: ") + message});
 }
-
-// A keychain of one item.
-class OneKeychainItem final : public ZRMKeychainItems {
-  public:
-    std::int32_t status = ZRMKeychainSuccess;
-    std::optional<ZRMData> stored;
-    mutable ZRMKeychainQuery lastQuery;
-
-    std::int32_t copyMatching(const ZRMKeychainQuery& query, ZRMData& value) const override {
-        lastQuery = query;
-        if (status == ZRMKeychainSuccess && !stored) {
-            return ZRMKeychainItemNotFound;
-        }
-        if (status == ZRMKeychainSuccess) {
-            value = *stored;
-        }
-        return status;
-    }
-    std::int32_t add(const ZRMKeychainQuery& item, const ZRMData& value) override {
-        lastQuery = item;
-        if (status == ZRMKeychainSuccess) {
-            stored = value;
-        }
-        return status;
-    }
-    std::int32_t update(const ZRMKeychainQuery& query, const ZRMData& value) override {
-        return add(query, value);
-    }
-    std::int32_t remove(const ZRMKeychainQuery&) override {
-        stored.reset();
-        return status;
-    }
-};
 
 }  // namespace
 
@@ -120,23 +90,28 @@ TEST(ZRMDeviceMacAddress, ARecordTooShortForItsAddressCannotBeRead) {
 }
 
 TEST(ZRMDeviceTag, IsKeptInTheKeychain) {
-    OneKeychainItem items;
-    EXPECT_EQ(zrm_deviceTag(items), std::nullopt);
-    EXPECT_TRUE(zrm_setDeviceTag(items, "tag"));
-    EXPECT_EQ(zrm_deviceTag(items), "tag");
-    EXPECT_EQ(items.lastQuery.account, "ZRMDeviceTag");
-    EXPECT_EQ(items.lastQuery.accessGroup, std::nullopt);
+    ZRMSimulatedDevice device;
+    EXPECT_EQ(zrm_deviceTag(*device.platform()->keychainItems), std::nullopt);
+    EXPECT_TRUE(zrm_setDeviceTag(*device.platform()->keychainItems, "tag"));
+    EXPECT_EQ(zrm_deviceTag(*device.platform()->keychainItems), "tag");
+    EXPECT_EQ(device.keychain().textOf("ZRMDeviceTag"), "tag");
+    EXPECT_EQ(device.keychain().items().front().query.accessGroup, std::nullopt);
+
+    device.restartProcess();
+    EXPECT_EQ(zrm_deviceTag(*device.platform()->keychainItems), "tag");
 }
 
 TEST(ZRMDeviceTag, IsAbsentWhenTheKeychainCannotBeRead) {
-    OneKeychainItem items;
-    items.stored = zrm_dataFromText("tag");
-    items.status = ZRMKeychainInteractionNotAllowed;
+    ZRMSimulatedDevice device;
+    auto& items = *device.platform()->keychainItems;
+    ASSERT_TRUE(zrm_setDeviceTag(items, "tag"));
+    device.keychain().setStatus(ZRMSimulatedKeychain::Operation::CopyMatching,
+                                ZRMKeychainInteractionNotAllowed);
     EXPECT_EQ(zrm_deviceTag(items), std::nullopt);
 }
 
 TEST(ZRMDeviceTag, TellsWhenItWasNotWritten) {
-    OneKeychainItem items;
-    items.status = ZRMKeychainNotAvailable;
-    EXPECT_FALSE(zrm_setDeviceTag(items, "tag"));
+    ZRMSimulatedDevice device;
+    device.keychain().setStatus(ZRMSimulatedKeychain::Operation::Add, ZRMKeychainNotAvailable);
+    EXPECT_FALSE(zrm_setDeviceTag(*device.platform()->keychainItems, "tag"));
 }

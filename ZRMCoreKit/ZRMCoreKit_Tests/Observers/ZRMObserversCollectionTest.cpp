@@ -92,16 +92,33 @@ TEST_F(ZRMObserversCollectionTest, ADestroyedMemberDropsOut) {
     EXPECT_TRUE(device_.console().contains("hasn't been added yet"));
 }
 
+struct LeavingObserver {
+    explicit LeavingObserver(ZRMObserversCollection<LeavingObserver>& theCollection)
+        : collection(theCollection) {}
+    ~LeavingObserver() { collection.removeObserver(this); }
+    ZRMObserversCollection<LeavingObserver>& collection;
+};
+
 TEST_F(ZRMObserversCollectionTest, AMemberMayLeaveInItsOwnDestructor) {
-    struct Leaving {
-        explicit Leaving(ZRMObserversCollection<Leaving>& collection) : collection_(collection) {}
-        ~Leaving() { collection_.removeObserver(this); }
-        ZRMObserversCollection<Leaving>& collection_;
-    };
-    ZRMObserversCollection<Leaving> collection(device_.platform()->consoleLog);
-    auto observer = std::make_shared<Leaving>(collection);
+    ZRMObserversCollection<LeavingObserver> collection(device_.platform()->consoleLog);
+    auto observer = std::make_shared<LeavingObserver>(collection);
     collection.addObserver(observer);
     observer.reset();
+    EXPECT_EQ(device_.console().text(), "");
+}
+
+TEST_F(ZRMObserversCollectionTest, AMemberMayLoseItsLastReferenceWhileItIsNotified) {
+    ZRMObserversCollection<LeavingObserver> collection(device_.platform()->consoleLog);
+    auto observer = std::make_shared<LeavingObserver>(collection);
+    collection.addObserver(observer);
+    int calls = 0;
+    const auto count = [&](LeavingObserver&) {
+        ++calls;
+        observer.reset();
+    };
+    collection.notifyWithBlock(count);
+    collection.notifyWithBlock(count);
+    EXPECT_EQ(calls, 1);
     EXPECT_EQ(device_.console().text(), "");
 }
 

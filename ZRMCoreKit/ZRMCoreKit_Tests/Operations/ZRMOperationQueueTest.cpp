@@ -415,6 +415,20 @@ TEST_F(ZRMOperationQueueTest, AnOperationThatEndsBeforeItsTurnMakesRoom) {
     EXPECT_THAT(ran_, ElementsAre(1));
 }
 
+TEST_F(ZRMOperationQueueTest, StartsInOrderInWhateverOrderTheExecutorRunsItsTasks) {
+    for (std::uint64_t seed = 1; seed <= 50; ++seed) {
+        ran_.clear();
+        device_.setSchedulingSeed(seed);
+        const auto queue = makeQueue(seed % 2 == 0 ? 3 : ZRMOperationQueue::kUnlimited);
+        for (int number = 0; number < 20; ++number) {
+            queue->addOperation(recording(number));
+        }
+        settle();
+        ASSERT_EQ(ran_.size(), 20U) << seed;
+        EXPECT_TRUE(std::ranges::is_sorted(ran_)) << seed;
+    }
+}
+
 TEST_F(ZRMOperationQueueTest, RunsTenThousandOperationsWithOneTaskEach) {
     for (const int limit : {1, ZRMOperationQueue::kUnlimited}) {
         ran_.clear();

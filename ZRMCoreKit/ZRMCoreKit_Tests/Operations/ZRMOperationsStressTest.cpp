@@ -215,8 +215,9 @@ TEST_F(ZRMOperationsStressTest, RetryingRequestsFinishWhileTheQueueIsSuspendedAn
                 other->cancel();
             }
             // Dropped while it executes, with no queue that holds it.
-            const auto dropped = std::make_shared<ZRMUrlRequestOperation>(
-                platform, ZRMUrlRequest{.url = "https://dropped"}, true, kMinSeconds, 1.0);
+            request.url = "https://dropped";
+            const auto dropped =
+                std::make_shared<ZRMUrlRequestOperation>(platform, request, true, kMinSeconds, 1.0);
             dropped->start();
         }
     });

@@ -63,6 +63,13 @@ TEST(ZRMUrl, QueryItemsMayBeEmptyOrWithoutValue) {
     EXPECT_EQ(url("abc").queryItem("cid"), std::nullopt);
 }
 
+TEST(ZRMUrl, AnEmptyQueryHasNoItems) {
+    for (const auto* text : {"https://example.com?#fragment", "?", "?&", "?&&x=1"}) {
+        EXPECT_EQ(url(text).queryItem("cid"), std::nullopt) << text;
+    }
+    EXPECT_EQ(url("?&&cid=1&").queryItem("cid"), "1");
+}
+
 TEST(ZRMUrl, QueryItemsArePercentDecodedAndPlusStands) {
     EXPECT_EQ(url("?a%62=1%2B2+3%C3%A4").queryItem("ab"), "1+2+3ä");
     EXPECT_EQ(url("?a=%FF").queryItem("a"), std::nullopt);
