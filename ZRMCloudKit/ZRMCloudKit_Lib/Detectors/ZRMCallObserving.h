@@ -1,0 +1,34 @@
+// Follows the calls under way.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "ZRMCloudKit/ZRMCloudKit_Lib/Policies/ZRMCallInfoEventPolicy.h"
+#include "ZRMPlatform/Ports/Values/ZRMCall.h"
+
+class ZRMCallObserving;
+
+// Told on the observer's own queue.
+class ZRMCallObservingDelegate {
+  public:
+    virtual ~ZRMCallObservingDelegate() = default;
+    // A connected call was first seen, or is another than before.
+    virtual void connectedCallChanged(const ZRMCallObserving& observer, const ZRMCall& call) = 0;
+    // A connected call had not ended when it was looked at again.
+    virtual void connectedCallStillActive(const ZRMCallObserving& observer,
+                                          const ZRMCall& call) = 0;
+};
+
+// May be used from any thread.
+class ZRMCallObserving {
+  public:
+    virtual ~ZRMCallObserving() = default;
+    // Kept weakly.
+    virtual void setDelegate(std::weak_ptr<ZRMCallObservingDelegate> delegate) = 0;
+    virtual void setEventPolicy(const ZRMCallInfoEventPolicy& policy) = 0;
+    // Starting again changes nothing.
+    virtual void start() = 0;
+    // The current calls; none before start().
+    [[nodiscard]] virtual std::vector<ZRMCall> calls() const = 0;
+};

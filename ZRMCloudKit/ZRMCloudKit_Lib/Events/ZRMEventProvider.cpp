@@ -1,0 +1,85 @@
+#include "ZRMCloudKit/ZRMCloudKit_Lib/Events/ZRMEventProvider.h"
+
+#include <utility>
+
+ZRMEventProvider::ZRMEventProvider(
+    std::shared_ptr<ZRMClock> clock, std::shared_ptr<const ZRMEnvironmentDataImpl> enviromentData,
+    std::shared_ptr<const ZRMEventPermissionChecker> permissionChecker,
+    std::shared_ptr<const ZRMServerTimeProvider> serverTimeProvider)
+    : clock_(std::move(clock)),
+      environmentData_(std::move(enviromentData)),
+      permissionChecker_(std::move(permissionChecker)),
+      serverTimeProvider_(std::move(serverTimeProvider)) {}
+
+std::shared_ptr<const ZRMCommonParametersProvider> ZRMEventProvider::commonParametersProvider()
+    const {
+    return std::make_shared<ZRMCommonParametersProvider>(environmentData_, permissionChecker_,
+                                                         clock_->now(), serverTimeProvider_);
+}
+
+std::shared_ptr<ZRMUserLoginEvent> ZRMEventProvider::userLoginEventWithUserName(
+    const std::string& userName, const std::string& result, const std::string& userId) const {
+    return make<ZRMUserLoginEvent>(userName, result, userId);
+}
+
+std::shared_ptr<ZRMUserLogoutEvent> ZRMEventProvider::userLogoutEvent() const {
+    return make<ZRMUserLogoutEvent>();
+}
+
+std::shared_ptr<ZRMApplicationInfoEvent> ZRMEventProvider::applicationInfoEventWithMd5(
+    const std::string& md5) const {
+    return make<ZRMApplicationInfoEvent>(md5);
+}
+
+std::shared_ptr<ZRMTouchIdChangedEvent> ZRMEventProvider::touchIdChangedEventWithSupported(
+    bool supported, bool enabled, bool changed) const {
+    return make<ZRMTouchIdChangedEvent>(supported, enabled, changed);
+}
+
+std::shared_ptr<ZRMUINavigationEvent> ZRMEventProvider::uiNavigationEventWithNavigationPoint(
+    const std::string& navigationPoint) const {
+    return make<ZRMUINavigationEvent>(navigationPoint);
+}
+
+std::shared_ptr<ZRMSessionIdEvent> ZRMEventProvider::sessionIdEventWithIdentifier(
+    const std::string& identifier) const {
+    return make<ZRMSessionIdEvent>(identifier);
+}
+
+std::shared_ptr<ZRMLogDataEvent> ZRMEventProvider::logDataEventWithLogs(
+    const std::vector<std::string>& logs) const {
+    return make<ZRMLogDataEvent>(logs);
+}
+
+std::shared_ptr<ZRMConfigEvent> ZRMEventProvider::configEvent(
+    const ZRMDictionary& appliedConfig) const {
+    return make<ZRMConfigEvent>(appliedConfig);
+}
+
+std::shared_ptr<ZRMScreenRecordingEvent> ZRMEventProvider::screenRecordingEvent(
+    bool recording) const {
+    return make<ZRMScreenRecordingEvent>(recording);
+}
+
+std::shared_ptr<ZRMCallInfoEvent> ZRMEventProvider::callInfoEventWithInitialCalls(
+    const std::vector<ZRMCall>& calls) const {
+    return make<ZRMCallInfoEvent>(ZRMCallInfoStageInitial, std::nullopt, calls);
+}
+
+std::shared_ptr<ZRMCallInfoEvent> ZRMEventProvider::callInfoEventWithChangedCall(
+    const ZRMCall& call, const std::vector<ZRMCall>& calls) const {
+    return make<ZRMCallInfoEvent>(ZRMCallInfoStageChanged, call, calls);
+}
+
+std::shared_ptr<ZRMCallInfoEvent> ZRMEventProvider::callInfoEventWithActiveCall(
+    const ZRMCall& call, const std::vector<ZRMCall>& calls) const {
+    return make<ZRMCallInfoEvent>(ZRMCallInfoStageActive, call, calls);
+}
+
+std::shared_ptr<ZRMVpnEvent> ZRMEventProvider::vpnEvent(bool vpnConnected) const {
+    return make<ZRMVpnEvent>(vpnConnected);
+}
+
+std::shared_ptr<ZRMScreenshotEvent> ZRMEventProvider::screenshotEvent(bool screenshotTaken) const {
+    return make<ZRMScreenshotEvent>(screenshotTaken);
+}
