@@ -3,34 +3,85 @@
 #include "ZRMPlatform/Linux/ZRMLinuxClock.h"
 #include "ZRMPlatform/Linux/ZRMLinuxConsoleLog.h"
 #include "ZRMPlatform/Linux/ZRMLinuxDevice.h"
+#include "ZRMPlatform/Linux/ZRMLinuxDigests.h"
 #include "ZRMPlatform/Linux/ZRMLinuxDirectories.h"
 #include "ZRMPlatform/Linux/ZRMLinuxExecutor.h"
 #include "ZRMPlatform/Linux/ZRMLinuxFileManager.h"
 #include "ZRMPlatform/Linux/ZRMLinuxJailbreakTraits.h"
+#include "ZRMPlatform/Linux/ZRMLinuxKeychainFile.h"
+#include "ZRMPlatform/Linux/ZRMLinuxKeychainItems.h"
+#include "ZRMPlatform/Linux/ZRMLinuxKeyedArchiver.h"
+#include "ZRMPlatform/Linux/ZRMLinuxLinkLayer.h"
+#include "ZRMPlatform/Linux/ZRMLinuxLocaleSource.h"
+#include "ZRMPlatform/Linux/ZRMLinuxLocationAuthorization.h"
+#include "ZRMPlatform/Linux/ZRMLinuxMainBundle.h"
 #include "ZRMPlatform/Linux/ZRMLinuxProcessEnvironment.h"
 #include "ZRMPlatform/Linux/ZRMLinuxRandom.h"
-#include "ZRMPlatform/Linux/ZRMLinuxRoutes.h"
+#include "ZRMPlatform/Linux/ZRMLinuxReachability.h"
+#include "ZRMPlatform/Linux/ZRMLinuxResourceBundles.h"
+#include "ZRMPlatform/Linux/ZRMLinuxRsaKeys.h"
+#include "ZRMPlatform/Linux/ZRMLinuxSecretService.h"
 #include "ZRMPlatform/Linux/ZRMLinuxUrlSession.h"
+#include "ZRMPlatform/Linux/ZRMLinuxUserDefaults.h"
+
+namespace {
+
+// A host that names a home wants everything of the library below it, secrets too.
+std::shared_ptr<ZRMKeychainItems> makeKeychain(bool hasHome, const ZRMLinuxDirectories& directories,
+                                               const std::shared_ptr<ZRMConsoleLog>& console) {
+    auto file = std::make_shared<ZRMLinuxKeychainFile>(
+        directories.keychains() + "/zrm-keychain.plist", console);
+    if (hasHome) {
+        return file;
+    }
+    return std::make_shared<ZRMLinuxKeychainItems>(&zrm_connectSecretService, std::move(file));
+}
+
+void addNetwork(ZRMPlatform& platform, const ZRMLinuxPlatformOptions& options) {
+    const auto routes = std::make_shared<ZRMLinuxKernelRoutes>();
+    const auto overrides = zrm_parseResolveOverrides(options.resolveOverrides);
+    platform.urlSessions = std::make_shared<ZRMLinuxUrlSessionFactory>(
+        platform.executor, options.certificateAuthorityFile, overrides, routes);
+    platform.reachabilityTargets = std::make_shared<ZRMLinuxReachabilityTargets>(
+        routes, ZRMLinuxKernelRouteChanges::shared(), ZRMLinuxInterfaces(), overrides);
+    platform.linkLayer = std::make_shared<ZRMLinuxLinkLayer>(ZRMLinuxInterfaces());
+}
+
+void addStores(ZRMPlatform& platform, const ZRMLinuxPlatformOptions& options) {
+    const auto directories =
+        std::make_shared<ZRMLinuxDirectories>(options.homeDirectory, *platform.processEnvironment);
+    platform.directories = directories;
+    platform.fileManager = std::make_shared<ZRMLinuxFileManager>();
+    platform.userDefaults =
+        std::make_shared<ZRMLinuxUserDefaults>(directories->preferences(), platform.consoleLog);
+    platform.keyedArchiver = std::make_shared<ZRMLinuxKeyedArchiver>();
+    platform.keychainItems =
+        makeKeychain(!options.homeDirectory.empty(), *directories, platform.consoleLog);
+    platform.mainBundle = std::make_shared<ZRMLinuxMainBundle>(options.bundleDirectory);
+    platform.resourceBundles =
+        std::make_shared<ZRMLinuxResourceBundles>(options.resourcesDirectory);
+}
+
+}  // namespace
 
 std::shared_ptr<const ZRMPlatform> zrm_makeLinuxPlatform(const ZRMLinuxPlatformOptions& options) {
     auto platform = std::make_shared<ZRMPlatform>();
-    platform->processEnvironment = std::make_shared<ZRMLinuxProcessEnvironment>();
-    const auto directories =
-        std::make_shared<ZRMLinuxDirectories>(options.homeDirectory, *platform->processEnvironment);
-    const auto routes = std::make_shared<ZRMLinuxKernelRoutes>();
-    platform->clock = std::make_shared<ZRMLinuxClock>();
     platform->consoleLog = std::make_shared<ZRMLinuxConsoleLog>();
-    platform->device = std::make_shared<ZRMLinuxDevice>();
-    platform->directories = directories;
+    platform->processEnvironment = std::make_shared<ZRMLinuxProcessEnvironment>();
     platform->executor = std::make_shared<ZRMLinuxExecutor>(options.mainQueue);
-    platform->commandProcessor = std::make_shared<ZRMLinuxCommandProcessor>();
-    platform->fileAccess = std::make_shared<ZRMLinuxFileAccess>();
-    platform->fileManager = std::make_shared<ZRMLinuxFileManager>();
-    platform->loader = zrm_processLoader();
-    platform->urlOpener = std::make_shared<ZRMLinuxUrlOpener>();
+    platform->clock = std::make_shared<ZRMLinuxClock>();
     platform->random = std::make_shared<ZRMLinuxRandom>();
-    platform->urlSessions = std::make_shared<ZRMLinuxUrlSessionFactory>(
-        platform->executor, options.certificateAuthorityFile, options.resolveOverrides, routes);
+    platform->digests = std::make_shared<ZRMLinuxDigests>();
+    platform->rsaKeys = std::make_shared<ZRMLinuxRsaKeys>();
+    platform->device = std::make_shared<ZRMLinuxDevice>();
+    platform->locale = std::make_shared<ZRMLinuxLocaleSource>(platform->processEnvironment);
+    platform->locationAuthorization = std::make_shared<ZRMLinuxLocationAuthorization>();
+    platform->loader = zrm_processLoader();
+    platform->fileAccess = std::make_shared<ZRMLinuxFileAccess>();
+    platform->urlOpener = std::make_shared<ZRMLinuxUrlOpener>();
+    platform->commandProcessor = std::make_shared<ZRMLinuxCommandProcessor>();
+    addStores(*platform, options);
+    addNetwork(*platform, options);
     return platform;
 }
 

@@ -2,7 +2,6 @@
 
 #include <mutex>
 
-#include "ZRMPlatform/Linux/ZRMLinuxResolveOverrides.h"
 #include "ZRMPlatform/Linux/ZRMLinuxUrlLoader.h"
 
 namespace {
@@ -58,9 +57,9 @@ class Session : public ZRMUrlSession {
 
 // As libcurl takes them: connect to this address instead, for every transfer on its own, so that
 // factories with other overrides are not touched.
-ZRMLinuxCurlList connectToList(const std::vector<std::string>& overrides) {
+ZRMLinuxCurlList connectToList(const std::vector<ZRMLinuxResolveOverride>& overrides) {
     ZRMLinuxCurlList list(nullptr, &curl_slist_free_all);
-    for (const auto& entry : zrm_parseResolveOverrides(overrides)) {
+    for (const auto& entry : overrides) {
         const bool isV6 = entry.address.find(':') != std::string::npos;
         const auto address = isV6 ? "[" + entry.address + "]" : entry.address;
         const auto line = entry.host + ":" + entry.port + ":" + address + ":" + entry.port;
@@ -76,7 +75,8 @@ ZRMLinuxCurlList connectToList(const std::vector<std::string>& overrides) {
 
 ZRMLinuxUrlSessionFactory::ZRMLinuxUrlSessionFactory(
     std::shared_ptr<ZRMExecutor> executor, std::string certificateAuthorityFile,
-    const std::vector<std::string>& resolveOverrides, std::shared_ptr<const ZRMLinuxRoutes> routes)
+    const std::vector<ZRMLinuxResolveOverride>& resolveOverrides,
+    std::shared_ptr<const ZRMLinuxRoutes> routes)
     : executor_(std::move(executor)),
       trust_(std::make_shared<ZRMLinuxUrlTrust>(
           ZRMLinuxUrlTrust{std::move(certificateAuthorityFile), connectToList(resolveOverrides),

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "ZRMPlatform/Linux/ZRMLinuxResolveOverrides.h"
 #include "ZRMPlatform/Linux/ZRMLinuxRoutes.h"
 #include "ZRMPlatform/Ports/ZRMExecutor.h"
 #include "ZRMPlatform/Ports/ZRMUrlSession.h"
@@ -16,13 +17,14 @@ struct ZRMLinuxUrlTrust;
 //
 // HTTP/1.1. No header is added beyond Host and Content-Length. At most 5 redirects are followed,
 // from https to https only. A body above 16 MiB, as decoded, ends the exchange. Gzip and deflate
-// are decoded when the request's Accept-Encoding is set. Nothing is cached, whatever the policy.
+// are decoded when the request's Accept-Encoding is set. Nothing is cached, whatever the policy. A
+// proxy that the environment names (https_proxy and so on) is used.
 class ZRMLinuxUrlSessionFactory : public ZRMUrlSessionFactory {
   public:
-    // An empty file means the system's authorities. Overrides are "HOST:PORT:ADDRESS" texts.
+    // An empty file means the system's authorities.
     ZRMLinuxUrlSessionFactory(std::shared_ptr<ZRMExecutor> executor,
                               std::string certificateAuthorityFile,
-                              const std::vector<std::string>& resolveOverrides,
+                              const std::vector<ZRMLinuxResolveOverride>& resolveOverrides,
                               std::shared_ptr<const ZRMLinuxRoutes> routes);
 
     std::shared_ptr<ZRMUrlSession> makeSession(

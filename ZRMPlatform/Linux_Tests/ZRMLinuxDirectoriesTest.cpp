@@ -1,29 +1,12 @@
 #include <filesystem>
-#include <map>
 
 #include <gtest/gtest.h>
 
 #include "ZRMPlatform/Linux/ZRMLinuxDirectories.h"
-
-namespace {
-
-class StubEnvironment : public ZRMProcessEnvironment {
-  public:
-    explicit StubEnvironment(std::map<std::string, std::string> variables)
-        : variables_(std::move(variables)) {}
-    [[nodiscard]] std::optional<std::string> variable(const std::string& name) const override {
-        const auto found = variables_.find(name);
-        return found == variables_.end() ? std::nullopt : std::optional(found->second);
-    }
-
-  private:
-    std::map<std::string, std::string> variables_;
-};
-
-}  // namespace
+#include "ZRMPlatform/Linux_Tests/ZRMStubs.h"
 
 TEST(ZRMLinuxDirectories, AHomeHoldsEverythingWhateverTheEnvironmentSays) {
-    const StubEnvironment environment({{"HOME", "/other"}, {"XDG_DATA_HOME", "/elsewhere"}});
+    const ZRMStubEnvironment environment({{"HOME", "/other"}, {"XDG_DATA_HOME", "/elsewhere"}});
     const ZRMLinuxDirectories directories("/srv/app/", environment);
     EXPECT_EQ(directories.documents(), "/srv/app/Documents");
     EXPECT_EQ(directories.applicationSupport(), "/srv/app/Library/Application Support");
@@ -33,16 +16,16 @@ TEST(ZRMLinuxDirectories, AHomeHoldsEverythingWhateverTheEnvironmentSays) {
 }
 
 TEST(ZRMLinuxDirectories, ARelativeHomeIsTakenFromTheWorkingDirectory) {
-    const ZRMLinuxDirectories directories("some/./home", StubEnvironment({}));
+    const ZRMLinuxDirectories directories("some/./home", ZRMStubEnvironment({}));
     EXPECT_EQ(directories.documents(),
               std::filesystem::current_path().string() + "/some/home/Documents");
 }
 
 TEST(ZRMLinuxDirectories, WithoutAHomeTheXdgDirectoriesHold) {
-    const ZRMLinuxDirectories directories("", StubEnvironment({{"HOME", "/home/me"},
-                                                               {"XDG_DOCUMENTS_DIR", "/docs/"},
-                                                               {"XDG_DATA_HOME", "/data"},
-                                                               {"XDG_CONFIG_HOME", "/config"}}));
+    const ZRMLinuxDirectories directories("", ZRMStubEnvironment({{"HOME", "/home/me"},
+                                                                  {"XDG_DOCUMENTS_DIR", "/docs/"},
+                                                                  {"XDG_DATA_HOME", "/data"},
+                                                                  {"XDG_CONFIG_HOME", "/config"}}));
     EXPECT_EQ(directories.documents(), "/docs");
     EXPECT_EQ(directories.applicationSupport(), "/data");
     EXPECT_EQ(directories.preferences(), "/config");
@@ -50,7 +33,7 @@ TEST(ZRMLinuxDirectories, WithoutAHomeTheXdgDirectoriesHold) {
 }
 
 TEST(ZRMLinuxDirectories, WithoutXdgVariablesTheirDefaultsHold) {
-    const ZRMLinuxDirectories directories("", StubEnvironment({{"HOME", "/home/me"}}));
+    const ZRMLinuxDirectories directories("", ZRMStubEnvironment({{"HOME", "/home/me"}}));
     EXPECT_EQ(directories.documents(), "/home/me/Documents");
     EXPECT_EQ(directories.applicationSupport(), "/home/me/.local/share");
     EXPECT_EQ(directories.preferences(), "/home/me/.config");
@@ -58,14 +41,14 @@ TEST(ZRMLinuxDirectories, WithoutXdgVariablesTheirDefaultsHold) {
 
 TEST(ZRMLinuxDirectories, ARelativeXdgPathCountsAsNotSet) {
     const ZRMLinuxDirectories directories(
-        "", StubEnvironment(
+        "", ZRMStubEnvironment(
                 {{"HOME", "/home/me"}, {"XDG_DATA_HOME", "data"}, {"XDG_CONFIG_HOME", ""}}));
     EXPECT_EQ(directories.applicationSupport(), "/home/me/.local/share");
     EXPECT_EQ(directories.preferences(), "/home/me/.config");
 }
 
 TEST(ZRMLinuxDirectories, WithoutAnyVariableTheAccountsHomeHolds) {
-    const ZRMLinuxDirectories directories("", StubEnvironment({}));
+    const ZRMLinuxDirectories directories("", ZRMStubEnvironment({}));
     EXPECT_TRUE(directories.documents().starts_with('/'));
     EXPECT_TRUE(directories.documents().ends_with("/Documents"));
 }

@@ -28,7 +28,8 @@ class ZRMLinuxUrlSessionFixture : public testing::Test {
     std::shared_ptr<ZRMLinuxUrlSessionFactory> factory(
         const std::string& authorities = {}, const std::vector<std::string>& overrides = {}) {
         return std::make_shared<ZRMLinuxUrlSessionFactory>(
-            executor_, authorities, overrides, std::make_shared<ZRMLinuxKernelRoutes>());
+            executor_, authorities, zrm_parseResolveOverrides(overrides),
+            std::make_shared<ZRMLinuxKernelRoutes>());
     }
 
     static ZRMUrlRequest get(const std::string& url) {

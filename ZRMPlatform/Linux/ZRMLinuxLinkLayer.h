@@ -1,0 +1,22 @@
+// Link-level addresses of the machine's interfaces.
+#pragma once
+
+#include "ZRMPlatform/Linux/ZRMLinuxInterfaces.h"
+#include "ZRMPlatform/Ports/ZRMDevice.h"
+
+// "en0" is the first interface that a device stands behind and that is no modem's, or else the
+// first that is neither loopback nor a modem's; "pdp_ip0" is the first modem's; any other name is
+// the system's own.
+class ZRMLinuxLinkLayer : public ZRMLinkLayer {
+  public:
+    explicit ZRMLinuxLinkLayer(ZRMLinuxInterfaces interfaces);
+
+    [[nodiscard]] std::uint32_t interfaceIndex(const std::string& name) const override;
+    [[nodiscard]] std::optional<std::size_t> recordLength(std::uint32_t index) const override;
+    bool readRecord(std::uint32_t index, std::span<std::uint8_t> record) const override;
+
+  private:
+    [[nodiscard]] std::optional<ZRMLinuxInterface> addressed(std::uint32_t index) const;
+
+    ZRMLinuxInterfaces interfaces_;
+};

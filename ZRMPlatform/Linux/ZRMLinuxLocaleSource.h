@@ -1,0 +1,23 @@
+// Time zone and locale as the environment and the system's files say.
+#pragma once
+
+#include <memory>
+
+#include "ZRMPlatform/Ports/ZRMDevice.h"
+
+// The zone: TZ where it is a zone's name, /etc/timezone, the target of /etc/localtime, or "UTC".
+// The locale: the first of LC_ALL, LC_TIME and LANG that is set and not empty, without encoding;
+// "C", "POSIX" and nothing at all mean "en_US_POSIX".
+class ZRMLinuxLocaleSource : public ZRMLocaleSource {
+  public:
+    // `systemDirectory` stands in for /etc.
+    explicit ZRMLinuxLocaleSource(std::shared_ptr<const ZRMProcessEnvironment> environment,
+                                  std::string systemDirectory = "/etc");
+
+    [[nodiscard]] std::string timeZoneIdentifier() const override;
+    [[nodiscard]] std::string localeIdentifier() const override;
+
+  private:
+    std::shared_ptr<const ZRMProcessEnvironment> environment_;
+    std::string systemDirectory_;
+};
