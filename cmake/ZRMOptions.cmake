@@ -23,6 +23,7 @@ set(ZRM_STATISTICS_URL "https://localhost:8443/stat" CACHE STRING "Default stati
 set(ZRM_DEVICE_TAG_URL "https://localhost:8443/zwjsqd" CACHE STRING "Default device-tag endpoint")
 set(ZRM_CLIENT_ID "demosite" CACHE STRING "Default customer identifier")
 set(ZRM_DEVICE_NAME_XOR_KEY "ZRMMobileKit" CACHE STRING "Key that veils the device name")
+set(ZRM_ROOT_CERTIFICATE "" CACHE FILEPATH "Pinned root certificate (DER) of the settings' signer; none by default")
 
 find_program(ZRM_CCACHE ccache)
 if(ZRM_CCACHE)
