@@ -20,6 +20,9 @@ ZRMSimulatedResourceBundles::ZRMSimulatedResourceBundles(std::shared_ptr<ZRMSimu
 
 std::optional<std::string> ZRMSimulatedResourceBundles::pathForBundle(
     const std::string& name) const {
+    if (name.empty() || name.find('/') != std::string::npos) {
+        return std::nullopt;
+    }
     const std::string path = std::string(kDirectory) + "/" + name;
     return disk_->holdsDirectory(path) ? std::optional(path) : std::nullopt;
 }

@@ -53,7 +53,8 @@ std::shared_ptr<ZRMReachabilityTarget> ZRMSimulatedReachabilityTargets::makeTarg
 
 std::shared_ptr<ZRMReachabilityTarget> ZRMSimulatedReachabilityTargets::targetForHost(
     const std::string& hostName) {
-    return hostName.empty() ? nullptr : makeTarget(hostName);
+    const bool isName = !hostName.empty() && hostName.find('\0') == std::string::npos;
+    return isName ? makeTarget(hostName) : nullptr;
 }
 
 std::shared_ptr<ZRMReachabilityTarget> ZRMSimulatedReachabilityTargets::targetForAddress(

@@ -44,8 +44,8 @@ class ZRMSimulatedReachability {
     bool schedulingRefused_ = false;
 };
 
-// No target is made for an empty host name, or for an address that is not 16 bytes of family 2 or
-// 28 bytes of family 30 with its length in front.
+// No target is made for a host name that is empty or holds a NUL, or for an address that is not 16
+// bytes of family 2 or 28 bytes of family 30 with its length in front.
 class ZRMSimulatedReachabilityTargets final : public ZRMReachabilityTargets {
   public:
     ZRMSimulatedReachabilityTargets(std::shared_ptr<ZRMSimulatedReachability> reachability,

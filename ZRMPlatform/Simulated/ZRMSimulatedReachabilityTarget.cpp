@@ -8,8 +8,7 @@ ZRMSimulatedReachabilityTarget::ZRMSimulatedReachabilityTarget(
     std::shared_ptr<ZRMSimulatedProcess> process, std::string hostName)
     : reachability_(std::move(reachability)),
       process_(std::move(process)),
-      hostName_(std::move(hostName)),
-      lastFlags_(reachability_->flagsOf(hostName_)) {}
+      hostName_(std::move(hostName)) {}
 
 std::optional<std::uint32_t> ZRMSimulatedReachabilityTarget::flags() const {
     return reachability_->flagsOf(hostName_);
@@ -26,6 +25,9 @@ bool ZRMSimulatedReachabilityTarget::setCallback(Callback callback) {
 bool ZRMSimulatedReachabilityTarget::schedule(const std::shared_ptr<ZRMQueue>& queue) {
     if (!queue || reachability_->isSchedulingRefused()) {
         return false;
+    }
+    if (queues_.empty()) {
+        lastFlags_ = flags();
     }
     if (!isScheduledOn(queue)) {
         queues_.push_back(queue);

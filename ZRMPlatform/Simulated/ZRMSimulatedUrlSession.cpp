@@ -4,13 +4,11 @@
 #include <cctype>
 #include <utility>
 
+#include "ZRMPlatform/Simulated/ZRMSimulatedTransfer.h"
+
 namespace {
 
 constexpr std::uint64_t kNetworkThreadIdentifier = 1000;
-
-ZRMError urlError(int code) {
-    return {kZRMUrlErrorDomain, code};
-}
 
 // Absent when the URL can be loaded.
 std::optional<int> refusalOfUrl(const std::string& url) {
@@ -27,73 +25,36 @@ std::optional<int> refusalOfUrl(const std::string& url) {
     return std::nullopt;
 }
 
-struct Outcome {
-    double afterSeconds = 0;
-    ZRMUrlExchange exchange;
-};
-
-Outcome failure(double afterSeconds, int code) {
-    return {afterSeconds, {{}, std::nullopt, urlError(code)}};
-}
-
-// What an answer comes to under the time-outs. Bytes come in proportion to the time.
-Outcome outcomeOf(const ZRMSimulatedAnswer& answer, const ZRMUrlRequest& request,
-                  const ZRMUrlSessionConfiguration& configuration) {
-    const double patience =
-        std::min({configuration.requestTimeoutSeconds, configuration.resourceTimeoutSeconds,
-                  request.timeoutIntervalSeconds});
-    if (answer.delaySeconds >= patience) {
-        return failure(patience, ZRMUrlErrorTimedOut);
-    }
-    if (answer.errorCode) {
-        return failure(answer.delaySeconds, *answer.errorCode);
-    }
-    Outcome outcome{answer.delaySeconds + answer.bodySeconds, {}};
-    std::size_t arrived = answer.body.size();
-    if (answer.lostAfterBytes && *answer.lostAfterBytes <= arrived) {
-        arrived = *answer.lostAfterBytes;
-        outcome.exchange.error = urlError(ZRMUrlErrorNetworkConnectionLost);
-    }
-    if (outcome.afterSeconds >= configuration.resourceTimeoutSeconds) {
-        const double share =
-            (configuration.resourceTimeoutSeconds - answer.delaySeconds) / answer.bodySeconds;
-        arrived = std::min(
-            arrived, static_cast<std::size_t>(share * static_cast<double>(answer.body.size())));
-        outcome.afterSeconds = configuration.resourceTimeoutSeconds;
-        outcome.exchange.error = urlError(ZRMUrlErrorTimedOut);
-    }
-    const auto end = answer.body.begin() + static_cast<std::ptrdiff_t>(arrived);
-    outcome.exchange.data.assign(answer.body.begin(), end);
-    outcome.exchange.response = ZRMUrlResponse{answer.status, answer.headers};
-    return outcome;
-}
-
 }  // namespace
 
 // Ends once: by its outcome, by a lost connection or by cancelling, whichever comes first.
 class ZRMSimulatedUrlSession::Exchange : public std::enable_shared_from_this<Exchange> {
   public:
-    Exchange(std::shared_ptr<ZRMSimulatedQueue> queue, Completion completion)
-        : queue_(std::move(queue)), completion_(std::move(completion)) {}
+    Exchange(std::shared_ptr<ZRMSimulatedQueue> queue, ZRMSimulatedTransfer transfer,
+             Completion completion)
+        : queue_(std::move(queue)),
+          transfer_(std::move(transfer)),
+          completion_(std::move(completion)) {}
 
-    void begin(ZRMSimulatedScheduler& scheduler, Outcome outcome) {
+    void begin(ZRMSimulatedScheduler& scheduler) {
+        time_ = scheduler.time();
+        startedAt_ = time_->uptimeSeconds();
         const auto due =
-            scheduler.time()->momentAfter(ZRMSimulatedMoment::Clock::Uptime, outcome.afterSeconds);
-        const auto task = [self = shared_from_this(), result = std::move(outcome.exchange)] {
+            time_->momentAfter(ZRMSimulatedMoment::Clock::Uptime, transfer_.endSeconds());
+        timer_ = scheduler.addTimer(queue_, due, 0, [self = shared_from_this()] {
             self->timer_.reset();
-            self->deliver(result);
-        };
-        timer_ = scheduler.addTimer(queue_, due, 0, task);
+            self->deliver(self->transfer_.outcome());
+        });
     }
 
     void breakOff(int code) {
-        if (!timer_ || !completion_) {
+        if (!timer_) {
             return;
         }
         std::exchange(timer_, nullptr)->cancel();
-        queue_->post([self = shared_from_this(), code] {
-            self->deliver({{}, std::nullopt, urlError(code)});
-        });
+        auto result = transfer_.brokenOff(time_->uptimeSeconds() - startedAt_, code);
+        queue_->post(
+            [self = shared_from_this(), result = std::move(result)] { self->deliver(result); });
     }
 
     std::shared_ptr<void> disconnectionObserver;
@@ -107,8 +68,11 @@ class ZRMSimulatedUrlSession::Exchange : public std::enable_shared_from_this<Exc
     }
 
     std::shared_ptr<ZRMSimulatedQueue> queue_;
+    ZRMSimulatedTransfer transfer_;
     Completion completion_;
-    std::shared_ptr<ZRMTimerHandle> timer_;
+    std::shared_ptr<ZRMSimulatedTime> time_;
+    double startedAt_ = 0;
+    std::shared_ptr<ZRMTimerHandle> timer_;  // while the exchange is under way
 };
 
 ZRMSimulatedUrlSession::ZRMSimulatedUrlSession(std::shared_ptr<ZRMSimulatedNetwork> network,
@@ -124,17 +88,23 @@ ZRMSimulatedUrlSession::~ZRMSimulatedUrlSession() {
     ZRMSimulatedUrlSession::invalidateAndCancel();
 }
 
+ZRMSimulatedAnswer ZRMSimulatedUrlSession::answerTo(const ZRMUrlRequest& request) {
+    if (isInvalidated_) {
+        return ZRMSimulatedAnswer::withError(ZRMUrlErrorCancelled);
+    }
+    if (const auto refusal = refusalOfUrl(request.url)) {
+        return ZRMSimulatedAnswer::withError(*refusal);
+    }
+    return network_->receive(request, configuration_);
+}
+
 void ZRMSimulatedUrlSession::start(const ZRMUrlRequest& request, Completion completion) {
     if (!process_->isAlive()) {
         return;
     }
-    exchange_ = std::make_shared<Exchange>(queue_, std::move(completion));
-    if (const auto refusal = refusalOfUrl(request.url)) {
-        exchange_->begin(*process_->scheduler(), failure(0, *refusal));
-        return;
-    }
-    const auto answer = network_->receive(request, configuration_);
-    exchange_->begin(*process_->scheduler(), outcomeOf(answer, request, configuration_));
+    exchange_ = std::make_shared<Exchange>(
+        queue_, ZRMSimulatedTransfer(answerTo(request), configuration_), std::move(completion));
+    exchange_->begin(*process_->scheduler());
     exchange_->disconnectionObserver =
         network_->observeDisconnection([weak = std::weak_ptr(exchange_)] {
             if (const auto exchange = weak.lock()) {
@@ -144,6 +114,7 @@ void ZRMSimulatedUrlSession::start(const ZRMUrlRequest& request, Completion comp
 }
 
 void ZRMSimulatedUrlSession::invalidateAndCancel() {
+    isInvalidated_ = true;
     if (exchange_) {
         exchange_->breakOff(ZRMUrlErrorCancelled);
     }

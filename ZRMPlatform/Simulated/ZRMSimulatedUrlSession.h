@@ -8,6 +8,8 @@
 #include "ZRMPlatform/Simulated/ZRMSimulatedProcess.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedQueue.h"
 
+// Time-outs are those of the session's configuration (ZRMSimulatedTransfer). A session that was
+// invalidated before its start answers ZRMUrlErrorCancelled.
 class ZRMSimulatedUrlSession final : public ZRMUrlSession {
   public:
     class Exchange;
@@ -18,16 +20,17 @@ class ZRMSimulatedUrlSession final : public ZRMUrlSession {
                            const ZRMUrlSessionConfiguration& configuration);
     ~ZRMSimulatedUrlSession() override;
 
-    // The shortest of the session's request time-out, its resource time-out and the request's own
-    // time-out bounds the wait for the headers; the resource time-out bounds the whole.
     void start(const ZRMUrlRequest& request, Completion completion) override;
     void invalidateAndCancel() override;
 
   private:
+    ZRMSimulatedAnswer answerTo(const ZRMUrlRequest& request);
+
     std::shared_ptr<ZRMSimulatedNetwork> network_;
     std::shared_ptr<ZRMSimulatedProcess> process_;
     std::shared_ptr<ZRMSimulatedQueue> queue_;
     ZRMUrlSessionConfiguration configuration_;
+    bool isInvalidated_ = false;
     std::shared_ptr<Exchange> exchange_;
 };
 

@@ -1,0 +1,97 @@
+#include <map>
+#include <mutex>
+
+#include "ZRMPlatform/Contract_Tests/ZRMContractBody.h"
+#include "ZRMPlatform/Linux/ZRMLinuxPlatform.h"
+#include "ZRMPlatform/Linux_Tests/ZRMTestDirectory.h"
+#include "ZRMPlatform/Linux_Tests/ZRMTestHttpServer.h"
+
+namespace {
+
+class LinuxBody final : public ZRMContractBody {
+  public:
+    LinuxBody() {
+        restart();
+        platform_->fileManager->createDirectory(home_.below("scratch"));
+    }
+
+    std::shared_ptr<const ZRMPlatform> platform() override { return platform_; }
+    bool waitFor(ZRMContractNotes& notes, const ZRMContractNotes::Predicate& fits) override {
+        return notes.blockUntil(fits);
+    }
+    std::string scratchDirectory() override { return home_.below("scratch"); }
+
+    void serve(const std::string& path, ZRMContractAnswer answer) override {
+        const std::lock_guard lock(mutex_);
+        answers_[path] = std::move(answer);
+    }
+    std::string url(const std::string& path) override { return server().url(path); }
+    std::string refusingUrl() override {
+        const ZRMTestHttpServer gone([](const auto&, auto&) { return false; });
+        return gone.url("/refused");
+    }
+    std::vector<ZRMContractRequest> requests() override {
+        std::vector<ZRMContractRequest> requests;
+        for (const auto& seen : server().requests()) {
+            ZRMContractRequest request{
+                seen.head.substr(0, seen.head.find(' ')), seen.path(), {}, seen.body};
+            for (const auto& line : seen.headerLines()) {
+                const auto colon = line.find(": ");
+                request.headers.set(line.substr(0, colon), line.substr(colon + 2));
+            }
+            requests.push_back(std::move(request));
+        }
+        return requests;
+    }
+    void restart() override {
+        ZRMLinuxPlatformOptions options;
+        options.homeDirectory = home_.below("home");
+        platform_ = zrm_makeLinuxPlatform(options);
+    }
+
+  private:
+    ZRMTestHttpServer& server() {
+        if (!server_) {
+            server_ = std::make_unique<ZRMTestHttpServer>(
+                [this](const ZRMTestHttpRequest& request, ZRMTestConnection& connection) {
+                    return answer(request.path(), connection);
+                });
+        }
+        return *server_;
+    }
+
+    bool answer(const std::string& path, ZRMTestConnection& connection) {
+        ZRMContractAnswer answer;
+        {
+            const std::lock_guard lock(mutex_);
+            answer = answers_[path];
+        }
+        if (answer.isSilent) {
+            connection.waitForClose();
+            return false;
+        }
+        std::string headers;
+        for (const auto& [name, value] : answer.headers) {
+            headers.append(name).append(": ").append(value).append("\r\n");
+        }
+        auto bytes = zrm_testHttpAnswer(answer.status, answer.body, headers);
+        if (answer.lostAfterBytes) {
+            bytes.resize(bytes.size() - answer.body.size() + *answer.lostAfterBytes);
+            connection.write(bytes);
+            return false;
+        }
+        return connection.write(bytes);
+    }
+
+    ZRMTestDirectory home_;
+    std::shared_ptr<const ZRMPlatform> platform_;
+    std::mutex mutex_;
+    std::map<std::string, ZRMContractAnswer> answers_;
+    std::unique_ptr<ZRMTestHttpServer> server_;
+};
+
+}  // namespace
+
+std::unique_ptr<ZRMContractBody> zrm_makeLinuxContractBody() {
+    return std::make_unique<LinuxBody>();
+}
