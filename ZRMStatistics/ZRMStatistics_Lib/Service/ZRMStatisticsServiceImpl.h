@@ -45,7 +45,7 @@ class ZRMStatisticsServiceImpl final
 
     // Null while stopped, and without a storage.
     [[nodiscard]] std::shared_ptr<ZRMStatisticsDataSource> dataSource() const;
-    [[nodiscard]] const ZRMOperationQueue& queue() const { return queue_; }
+    [[nodiscard]] ZRMOperationQueue& queue() { return queue_; }
     [[nodiscard]] std::int64_t maxStorageSize() const { return maxStorageSize_; }
 
   private:

@@ -9,8 +9,10 @@
 
 namespace {
 
-// How long a statement waits for another process that holds the store.
-constexpr int kBusyTimeoutMilliseconds = 1000;
+// How long a statement waits for another process that holds the store: little while the host waits
+// for the activation, longer in the background.
+constexpr int kOpenTimeoutMilliseconds = 200;
+constexpr int kBusyTimeoutMilliseconds = 5000;
 
 using OpenResult = ZRMResult<std::shared_ptr<ZRMPersistentStoreCoordinator>>;
 
@@ -29,7 +31,7 @@ OpenResult openStore(const ZRMPlatform& platform, const std::string& path,
     }
     try {
         auto database = std::make_unique<SQLite::Database>(
-            path, SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX, kBusyTimeoutMilliseconds,
+            path, SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX, kOpenTimeoutMilliseconds,
             platform.directories->databaseFileLayer());
         refuseReadOnly(*database);
         if (auto refusal = zrm_refuseNewerStore(*database, model)) {
@@ -38,6 +40,7 @@ OpenResult openStore(const ZRMPlatform& platform, const std::string& path,
         database->exec("PRAGMA journal_mode = WAL");
         database->exec("PRAGMA synchronous = FULL");
         zrm_migrateStore(*database, model);
+        database->setBusyTimeout(kBusyTimeoutMilliseconds);
         return std::make_shared<ZRMPersistentStoreCoordinator>(std::move(database), path);
     } catch (const SQLite::Exception& exception) {
         return zrm_errorFromSqlite(exception);

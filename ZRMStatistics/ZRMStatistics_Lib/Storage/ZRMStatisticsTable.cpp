@@ -5,8 +5,6 @@
 
 namespace {
 
-#define ZRM_ROW "id, storeTimestamp, lastTryTimestamp, activeDays, priority, jwsLength"
-
 // Leaves a kept statement ready for the next use, also when the use ends with an exception.
 class StatementUse {
   public:
@@ -55,6 +53,16 @@ std::vector<ZRMStatisticsTable::Row> readRows(SQLite::Statement& statement) {
 
 }  // namespace
 
+const char* const ZRMStatisticsTable::kSelectAll =
+    "SELECT id, storeTimestamp, lastTryTimestamp, activeDays, priority, jwsLength "
+    "FROM ZRMStatisticEntity ORDER BY storeTimestamp, id LIMIT ?";
+const char* const ZRMStatisticsTable::kSelectWithBytes =
+    "SELECT id, storeTimestamp, lastTryTimestamp, activeDays, priority, jwsLength "
+    "FROM ZRMStatisticEntity WHERE substr(jws, -8) IS substr(?1, -8) AND jws = ?1 "
+    "ORDER BY storeTimestamp, id LIMIT ?2";
+const char* const ZRMStatisticsTable::kSelectTotals =
+    "SELECT count(*), coalesce(sum(jwsLength), 0) FROM ZRMStatisticEntity";
+
 ZRMStatisticsTable::ZRMStatisticsTable(SQLite::Database& database)
     : database_(database),
       insert_(database,
@@ -64,14 +72,10 @@ ZRMStatisticsTable::ZRMStatisticsTable(SQLite::Database& database)
               "UPDATE ZRMStatisticEntity SET storeTimestamp = ?1, lastTryTimestamp = ?2, "
               "activeDays = ?3, priority = ?4 WHERE id = ?5"),
       remove_(database, "DELETE FROM ZRMStatisticEntity WHERE id = ?"),
-      all_(database,
-           "SELECT " ZRM_ROW " FROM ZRMStatisticEntity ORDER BY storeTimestamp, id LIMIT ?"),
-      withBytes_(database, "SELECT " ZRM_ROW
-                           " FROM ZRMStatisticEntity "
-                           "WHERE substr(jws, -8) = substr(?1, -8) AND jws = ?1 "
-                           "ORDER BY storeTimestamp, id LIMIT ?2"),
+      all_(database, kSelectAll),
+      withBytes_(database, kSelectWithBytes),
       bytes_(database, "SELECT jws FROM ZRMStatisticEntity WHERE id = ?"),
-      totals_(database, "SELECT count(*), coalesce(sum(jwsLength), 0) FROM ZRMStatisticEntity") {}
+      totals_(database, kSelectTotals) {}
 
 std::int64_t ZRMStatisticsTable::insert(const Row& row, const ZRMData& jws) {
     const StatementUse use(insert_);

@@ -24,6 +24,10 @@ class ZRMStatisticsTable {
         std::size_t length = 0;  // of the bytes
     };
 
+    static const char* const kSelectAll;
+    static const char* const kSelectWithBytes;
+    static const char* const kSelectTotals;
+
     // The table must be there; the database outlives this.
     explicit ZRMStatisticsTable(SQLite::Database& database);
 

@@ -1,0 +1,177 @@
+#include <SQLiteCpp/Database.h>
+#include <gmock/gmock.h>
+
+#include "ZRMStatistics/ZRMStatistics_Lib/Service/ZRMStatisticsServiceFactory.h"
+#include "ZRMStatistics/ZRMStatistics_Lib/Storage/ZRMStatisticsSchema.h"
+#include "ZRMStatistics/ZRMStatistics_Lib/Storage/ZRMStatisticsStorage.h"
+#include "ZRMStatistics/ZRMStatistics_Tests/Support/ZRMStatisticsDeviceTest.h"
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::StartsWith;
+
+constexpr const char* kModelDirectory = "/device/resources/ZRMStatisticsResources.bundle/";
+
+using ZRMStatisticsStorageTest = ZRMStatisticsDeviceTest;
+
+}  // namespace
+
+TEST_F(ZRMStatisticsStorageTest, OpensAStoreAndMakesTheDirectoriesAboveIt) {
+    const auto storage = openStorage();
+    ASSERT_TRUE(storage);
+    EXPECT_TRUE(device_.disk().holdsDirectory("/device/data"));
+    EXPECT_TRUE(device_.disk().holdsFile(kStorePath));
+    EXPECT_EQ(storage->configuration().storageUrl(), kStorePath);
+    EXPECT_TRUE(storage->configuration().createIntermediateDirectories());
+    EXPECT_TRUE(errors().empty());
+}
+
+TEST_F(ZRMStatisticsStorageTest, MakesNoDirectoriesWhenNotAskedTo) {
+    const auto storage = ZRMStatisticsStorage::create(
+        device_.platform(),
+        ZRMStatisticsStorageConfiguration::configurationWithStorageUrl(kStorePath, false));
+    EXPECT_FALSE(storage);
+    EXPECT_FALSE(device_.disk().holdsDirectory("/device/data"));
+}
+
+TEST_F(ZRMStatisticsStorageTest, LiesInAFolderOfItsOwnNameBelowTheGivenDirectory) {
+    EXPECT_EQ(ZRMStatisticsServiceFactory::storageUrlAtPath("/a/b"),
+              "/a/b/ZRMStatisticsStorage/ZRMStatisticsStorage");
+    EXPECT_EQ(ZRMStatisticsServiceFactory::storageUrlAtPath("/a/b/"),
+              "/a/b/ZRMStatisticsStorage/ZRMStatisticsStorage");
+    const auto storage =
+        ZRMStatisticsServiceFactory::createStatisticsStorageAtPath(device_.platform(), "/a/b");
+    ASSERT_TRUE(storage);
+    EXPECT_TRUE(device_.disk().holdsFile("/a/b/ZRMStatisticsStorage/ZRMStatisticsStorage"));
+}
+
+TEST_F(ZRMStatisticsStorageTest, WithoutTheBundleThereIsNoModelAndNoStorage) {
+    device_.disk().wipe();
+    EXPECT_FALSE(openStorage());
+    EXPECT_THAT(errors(), ElementsAre("Error: Bundle 'ZRMStatisticsResources.bundle' not found",
+                                      "Error: CoreData model not found in bundle "
+                                      "'ZRMStatisticsResources.bundle'"));
+}
+
+TEST_F(ZRMStatisticsStorageTest, BundleWithoutAModelGivesNoStorage) {
+    device_.disk().wipe();
+    device_.disk().put(std::string(kModelDirectory) + "Readme.txt", "no model");
+    EXPECT_FALSE(openStorage());
+    EXPECT_THAT(errors(), ElementsAre("Error: CoreData model not found in bundle "
+                                      "'ZRMStatisticsResources.bundle'"));
+}
+
+TEST_F(ZRMStatisticsStorageTest, BrokenModelFileGivesNoStorage) {
+    device_.disk().put(std::string(kModelDirectory) + "Other.json", "{");
+    EXPECT_FALSE(openStorage());
+    ASSERT_EQ(errors().size(), 2U);
+    EXPECT_THAT(errors()[0], StartsWith("Can't read data model: "));
+    EXPECT_EQ(errors()[1],
+              "Error: CoreData model not found in bundle 'ZRMStatisticsResources.bundle'");
+}
+
+TEST_F(ZRMStatisticsStorageTest, UnreadableModelFileGivesNoStorage) {
+    device_.disk().faults().add({ZRMSimulatedDiskOperation::Read, "*ZRMStatisticsModel.json"});
+    EXPECT_FALSE(openStorage());
+    EXPECT_TRUE(
+        hasError("Error: CoreData model not found in bundle 'ZRMStatisticsResources.bundle'"));
+}
+
+TEST_F(ZRMStatisticsStorageTest, AllModelsOfTheBundleAreMerged) {
+    device_.disk().put(
+        std::string(kModelDirectory) + "Extra.json",
+        R"({"version": 5, "entities": [{"name": "Extra", "attributes": [{"name": "x", "type": "double"}]}]})");
+    const auto model = ZRMStatisticsStorage::makeManagedObjectModel(*device_.platform());
+    ASSERT_TRUE(model.has_value());
+    EXPECT_EQ(model->version, 5);
+    EXPECT_NE(model->entityNamed("Extra"), nullptr);
+    EXPECT_NE(model->entityNamed("ZRMStatisticEntity"), nullptr);
+}
+
+// The letter after "Can't " is U+0441, in UTF-8 the bytes D1 81.
+TEST_F(ZRMStatisticsStorageTest, StoreThatCannotBeMadeIsLoggedWithACyrillicLetter) {
+    device_.disk().put("/device/data", "a file where the directory should be");
+    EXPECT_FALSE(openStorage());
+    ASSERT_EQ(errors().size(), 1U);
+    EXPECT_THAT(errors()[0],
+                StartsWith("Can't \xD1\x81reate persistent store for statistics storage: "));
+    EXPECT_GT(
+        errors()[0].size(),
+        std::string_view("Can't \xD1\x81reate persistent store for statistics storage: ").size());
+}
+
+TEST_F(ZRMStatisticsStorageTest, CoordinatorReportsTheErrorOfAStoreThatCannotBeMade) {
+    const auto model = ZRMStatisticsStorage::makeManagedObjectModel(*device_.platform());
+    const auto coordinator = ZRMStatisticsStorage::makeCoordinatorWithConfiguration(
+        *device_.platform(),
+        ZRMStatisticsStorageConfiguration::configurationWithStorageUrl("/nowhere/store", false),
+        *model);
+    ASSERT_FALSE(coordinator.hasValue());
+    EXPECT_FALSE(coordinator.error().localizedDescription().empty());
+}
+
+TEST_F(ZRMStatisticsStorageTest, RecordsSurviveTheProcess) {
+    insert(*openContext(), "event", 1000, 2, 3);
+    restart(ZRMSimulatedLoss::All);
+    const auto context = openContext();
+    const auto found = records(*context);
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(zrm_textFromData(*found[0].jws->bytes()), "event");
+    EXPECT_EQ(found[0].storeTimestamp, 1000);
+    EXPECT_EQ(found[0].lastTryTimestamp, 1000);
+    EXPECT_EQ(found[0].priority, 2);
+    EXPECT_EQ(found[0].activeDays, 3);
+}
+
+TEST_F(ZRMStatisticsStorageTest, OlderStoreGetsTheAttributesItLacks) {
+    device_.platform()->fileManager->createDirectory("/device/data");
+    {
+        auto database = openDatabase();
+        database.exec(
+            "CREATE TABLE ZRMStatisticEntity (id INTEGER PRIMARY KEY, jws BLOB, "
+            "storeTimestamp REAL)");
+        database.exec("INSERT INTO ZRMStatisticEntity (jws, storeTimestamp) VALUES (x'616263', 7)");
+    }
+    const auto context = openContext();
+    const auto found = records(*context);
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(zrm_textFromData(*found[0].jws->bytes()), "abc");
+    EXPECT_EQ(found[0].jws->length(), 3U);
+    EXPECT_EQ(found[0].storeTimestamp, 7);
+    EXPECT_EQ(found[0].activeDays, 0);
+    EXPECT_EQ(found[0].priority, 0);
+    EXPECT_EQ(openDatabase().execAndGet("PRAGMA user_version").getInt(), 1);
+}
+
+TEST_F(ZRMStatisticsStorageTest, StoreOfANewerVersionIsRefusedAndUntouched) {
+    device_.platform()->fileManager->createDirectory("/device/data");
+    {
+        auto database = openDatabase();
+        database.exec("CREATE TABLE Future (x)");
+        database.exec("PRAGMA user_version = 2");
+    }
+    const auto before = device_.disk().bytesOf(kStorePath);
+    EXPECT_FALSE(openStorage());
+    ASSERT_EQ(errors().size(), 1U);
+    EXPECT_EQ(errors()[0],
+              "Can't \xD1\x81reate persistent store for statistics storage: The store has version "
+              "2, newer than the model's 1");
+    EXPECT_EQ(device_.disk().bytesOf(kStorePath), before);
+    EXPECT_THAT(device_.disk().filesBelow("/device/data"), ElementsAre(kStorePath));
+}
+
+TEST_F(ZRMStatisticsStorageTest, StoreThatAnotherConnectionHoldsIsRefusedAndKept) {
+    insert(*openContext(), "event", 1000);
+    restart();
+    {
+        auto holder = openDatabase();
+        holder.exec("PRAGMA locking_mode = EXCLUSIVE");
+        holder.exec("BEGIN EXCLUSIVE");
+        EXPECT_FALSE(openStorage());
+        ASSERT_EQ(errors().size(), 1U);
+        EXPECT_THAT(errors()[0],
+                    StartsWith("Can't \xD1\x81reate persistent store for statistics storage: "));
+    }
+    EXPECT_EQ(contents(*openContext()), std::vector<std::string>{"event"});
+}
