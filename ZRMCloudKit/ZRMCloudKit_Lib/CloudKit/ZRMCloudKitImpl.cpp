@@ -17,6 +17,10 @@ ZRMStatisticsServiceMaker usualMaker(const std::shared_ptr<const ZRMPlatform>& p
     return [platform](const std::string& url, const std::string& storagePath,
                       const std::shared_ptr<ZRMStatisticsCustomHeadersProvider>& customHeaders,
                       std::shared_ptr<ZRMServerTimeProvider> serverTimeProvider) {
+        if (!serverTimeProvider) {
+            // Uploads always keep a server clock; without the core's it is one of their own.
+            serverTimeProvider = std::make_shared<ZRMServerTimeProvider>(platform->clock);
+        }
         return ZRMStatisticsServiceFactory::createServiceWithUrl(
             platform, url, storagePath, customHeaders, std::move(serverTimeProvider));
     };

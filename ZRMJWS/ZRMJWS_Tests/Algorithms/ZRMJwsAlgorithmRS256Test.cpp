@@ -50,7 +50,8 @@ class ZRMJwsAlgorithmRS256Test : public testing::Test {
     ZRMSimulatedDevice device_;
     ZRMScopedPlatform installed_{device_};
     std::shared_ptr<const ZRMPlatform> platform_ = device_.platform();
-    ZRMOpenSslKey openSsl_;
+    // Made once: a new key takes long.
+    inline static const ZRMOpenSslKey openSsl_;
     ZRMData data_ = zrm_dataFromText("eyJhbGciOiJSUzI1NiJ9.e30");
 };
 

@@ -1,0 +1,44 @@
+// The archive file as builds before this one wrote it on Linux (docs/formats/archive.md).
+#include <fstream>
+#include <iterator>
+
+#include <gtest/gtest.h>
+
+#include "ZRMCloudKit/ZRMCloudKit_Lib/CloudKit/ZRMCloudKitSettingsValues.h"
+#include "ZRMPlatform/Ports/ZRMPlatform.h"
+
+namespace {
+
+ZRMCloudKitSettingsValues exampleValues() {
+    ZRMCloudKitSettingsValues values;
+    values.installationId = "7C9E6679-7425-40DE-944B-E07FC1F90AE7";
+    values.installationDate = ZRMDate{1767225600.25};
+    values.applicationMd5SendDate = ZRMDate{1767312000};
+    values.touchIdDomainState = ZRMTouchIdInfo(true, false, ZRMData{0xDE, 0xAD, 0xBE, 0xEF});
+    values.secureDeviceTag = "0F8FAD5B-D9CB-469F-A165-70867728950E";
+    values.secureDeviceTagRefreshDate = ZRMDate{1767319200};
+    values.secureDeviceTagRefreshInterval = 7200.5;
+    return values;
+}
+
+ZRMData goldenArchive() {
+    std::ifstream file(std::string(ZRM_GOLDEN_DIRECTORY) + "/ZRMCloudKitSettings",
+                       std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+TEST(ZRMCloudKitArchiveFormat, StillReadsTheArchivesOfEarlierBuilds) {
+    const auto object = zrm_makeDefaultPlatform()->keyedArchiver->decode(goldenArchive());
+    ASSERT_TRUE(object);
+    auto expected = exampleValues();
+    expected.secureDeviceTagRefreshInterval = 7200;
+    EXPECT_EQ(ZRMCloudKitSettingsValues::decode(object.value()), expected);
+}
+
+TEST(ZRMCloudKitArchiveFormat, StillWritesTheSameBytes) {
+    const auto bytes = zrm_makeDefaultPlatform()->keyedArchiver->encode(exampleValues().encode());
+    ASSERT_TRUE(bytes);
+    EXPECT_EQ(bytes.value(), goldenArchive());
+}
+
+}  // namespace
