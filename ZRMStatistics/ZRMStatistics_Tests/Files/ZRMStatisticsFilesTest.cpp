@@ -8,6 +8,8 @@
 
 #include <SQLiteCpp/Database.h>
 #include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "ZRMCoreKit/ZRMCoreKit_Tests/Support/ZRMRecordedLog.h"
 #include "ZRMPlatform/Linux/ZRMLinuxPlatform.h"
@@ -49,6 +51,19 @@ class AnsweringSender final : public ZRMStatisticsSender {
 
   private:
     ZRMStatisticsSenderObserver* observer_ = nullptr;
+};
+
+// The process has no more rights than any user while it lives; modes do not bind the superuser.
+class PlainUser {
+  public:
+    PlainUser() { EXPECT_TRUE(wasRoot_ == false || seteuid(kNobody) == 0); }
+    ~PlainUser() { EXPECT_TRUE(wasRoot_ == false || seteuid(0) == 0); }
+    PlainUser(const PlainUser&) = delete;
+    PlainUser& operator=(const PlainUser&) = delete;
+
+  private:
+    static constexpr uid_t kNobody = 65534;
+    bool wasRoot_ = geteuid() == 0;
 };
 
 class ZRMStatisticsFilesTest : public ::testing::Test {
@@ -154,6 +169,24 @@ TEST_F(ZRMStatisticsFilesTest, StoreThatAnotherConnectionHoldsIsRefusedAndKept) 
         EXPECT_THAT(log_.errors()[0],
                     StartsWith("Can't \xD1\x81reate persistent store for statistics storage: "));
     }
+    EXPECT_THAT(contents(*open()), ElementsAre("event"));
+    EXPECT_THAT(movedAside(), IsEmpty());
+}
+
+TEST_F(ZRMStatisticsFilesTest, StoreThatCannotBeWrittenIsRefusedAndKept) {
+    add(*open(), "event");
+    ASSERT_EQ(chmod(directory_.path().c_str(), 0755), 0);
+    ASSERT_EQ(chmod(directory_.below("store").c_str(), 0555), 0);
+    ASSERT_EQ(chmod(storePath_.c_str(), 0444), 0);
+    {
+        const PlainUser user;
+        EXPECT_FALSE(open());
+    }
+    ASSERT_EQ(log_.errors().size(), 1U);
+    EXPECT_THAT(log_.errors()[0],
+                StartsWith("Can't \xD1\x81reate persistent store for statistics storage: "));
+    ASSERT_EQ(chmod(directory_.below("store").c_str(), 0700), 0);
+    ASSERT_EQ(chmod(storePath_.c_str(), 0600), 0);
     EXPECT_THAT(contents(*open()), ElementsAre("event"));
     EXPECT_THAT(movedAside(), IsEmpty());
 }

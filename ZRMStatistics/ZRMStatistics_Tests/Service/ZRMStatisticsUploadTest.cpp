@@ -324,3 +324,30 @@ TEST_F(ZRMStatisticsUploadTest, NoMomentOfAPowerCutLosesAStoredEventOrTheStore) 
         }
     }
 }
+
+class ZRMStatisticsSchedulingTest : public ZRMStatisticsUploadTest,
+                                    public ::testing::WithParamInterface<int> {};
+
+// Whatever order queues run their tasks in, every event is delivered exactly once.
+TEST_P(ZRMStatisticsSchedulingTest, EveryEventArrivesOnce) {
+    device_.setSchedulingSeed(static_cast<std::uint64_t>(GetParam()));
+    answerAlways(ZRMSimulatedAnswer::withStatus(200).after(0.5));
+    start();
+    std::vector<std::string> expected;
+    for (int number = 0; number < 60; ++number) {
+        expected.push_back(std::to_string(number));
+        send(expected.back());
+        for (int task = 0; task < number % 7; ++task) {
+            device_.runOneTask();
+        }
+        if (number % 20 == 10) {
+            service_->stop();
+            service_->start();
+        }
+    }
+    device_.advanceBy(600);
+    EXPECT_EQ(pending(), 0U);
+    EXPECT_THAT(requested(), ::testing::UnorderedElementsAreArray(expected));
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, ZRMStatisticsSchedulingTest, ::testing::Range(1, 21));

@@ -175,3 +175,57 @@ TEST_F(ZRMStatisticsStorageTest, StoreThatAnotherConnectionHoldsIsRefusedAndKept
     }
     EXPECT_EQ(contents(*openContext()), std::vector<std::string>{"event"});
 }
+
+TEST_F(ZRMStatisticsStorageTest, StoreThatCannotBeMadeOnAFullDiskIsLogged) {
+    device_.disk().setCapacity(device_.disk().usedBytes());
+    EXPECT_FALSE(openStorage());
+    ASSERT_EQ(errors().size(), 1U);
+    EXPECT_THAT(errors()[0],
+                StartsWith("Can't \xD1\x81reate persistent store for statistics storage: "));
+}
+
+TEST_F(ZRMStatisticsStorageTest, DamagedStoreIsNamedAfterTheTimeOfItsMoving) {
+    device_.disk().put(kStorePath, std::string(5000, 'x'));
+    const auto storage = openStorage();
+    ASSERT_TRUE(storage);
+    // 2026-01-01 00:00:00 UTC.
+    const std::string moved = std::string(kStorePath) + ".damaged-1767225600";
+    EXPECT_EQ(zrm_textFromData(device_.disk().bytesOf(moved)), std::string(5000, 'x'));
+    EXPECT_THAT(errors(), ElementsAre("Statistics storage was damaged and is now at '" + moved +
+                                      "', records carried over: 0"));
+    insert(*storage->context(), "event", 1);
+    EXPECT_THAT(contents(*storage->context()), ElementsAre("event"));
+}
+
+TEST_F(ZRMStatisticsStorageTest, StoreMarkedDamagedIsRepairedAndTheMarkGoes) {
+    insert(*openContext(), "one", 1, 2, 3);
+    insert(*openContext(), "two", 2);
+    restart();
+    device_.disk().put(std::string(kStorePath) + ".damaged", "");
+    const auto context = openContext();
+    EXPECT_THAT(contents(*context), ElementsAre("one", "two"));
+    EXPECT_EQ(records(*context)[0].priority, 2);
+    EXPECT_EQ(records(*context)[0].activeDays, 3);
+    EXPECT_FALSE(device_.disk().holdsFile(std::string(kStorePath) + ".damaged"));
+    ASSERT_EQ(errors().size(), 1U);
+    EXPECT_THAT(errors()[0], ::testing::EndsWith("records carried over: 2"));
+}
+
+TEST_F(ZRMStatisticsStorageTest, DamagedStoreThatCannotBeMovedIsRefusedAndKept) {
+    device_.disk().put(kStorePath, std::string(5000, 'x'));
+    device_.disk().faults().add({ZRMSimulatedDiskOperation::Move});
+    EXPECT_FALSE(openStorage());
+    ASSERT_EQ(errors().size(), 1U);
+    EXPECT_THAT(errors()[0],
+                StartsWith("Can't \xD1\x81reate persistent store for statistics storage: "));
+    EXPECT_EQ(zrm_textFromData(device_.disk().bytesOf(kStorePath)), std::string(5000, 'x'));
+}
+
+TEST_F(ZRMStatisticsStorageTest, StoreThatCannotBeReadNowIsKept) {
+    insert(*openContext(), "event", 1);
+    restart();
+    device_.disk().faults().add({ZRMSimulatedDiskOperation::Read, std::string(kStorePath) + "*"});
+    EXPECT_FALSE(openStorage());
+    device_.disk().faults().clear();
+    EXPECT_THAT(contents(*openContext()), ElementsAre("event"));
+}
