@@ -3,6 +3,7 @@
 #include <bit>
 #include <cerrno>
 #include <optional>
+#include <span>
 #include <string_view>
 
 namespace {

@@ -4,20 +4,18 @@
 #include <limits>
 
 #include <unicode/uchar.h>
-#include <unicode/utf8.h>
+
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMCodePoint.h"
 
 namespace {
 
 std::string_view withoutLeadingSpace(std::string_view text) {
     while (!text.empty()) {
-        const auto window = text.substr(0, 4);
-        std::int32_t length = 0;
-        UChar32 character = 0;
-        U8_NEXT(window.data(), length, static_cast<std::int32_t>(window.size()), character);
+        const auto [character, length] = zrm_firstCodePoint(text);
         if (character < 0 || !u_isUWhiteSpace(character)) {
             break;
         }
-        text.remove_prefix(static_cast<std::size_t>(length));
+        text.remove_prefix(length);
     }
     return text;
 }

@@ -2,8 +2,8 @@
 
 #include <unicode/locid.h>
 #include <unicode/uchar.h>
-#include <unicode/utf8.h>
 
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMCodePoint.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMUnicodeString.h"
 
 namespace {
@@ -13,14 +13,11 @@ template <class Visit>
 void forEachCodePoint(std::string_view text, Visit visit) {
     std::size_t start = 0;
     while (start < text.size()) {
-        const auto window = text.substr(start, 4);
-        std::int32_t length = 0;
-        UChar32 character = 0;
-        U8_NEXT(window.data(), length, static_cast<std::int32_t>(window.size()), character);
-        if (!visit(character, start, static_cast<std::size_t>(length))) {
+        const auto [character, length] = zrm_firstCodePoint(text.substr(start));
+        if (!visit(character, start, length)) {
             return;
         }
-        start += static_cast<std::size_t>(length);
+        start += length;
     }
 }
 
