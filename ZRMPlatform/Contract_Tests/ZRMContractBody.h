@@ -46,9 +46,13 @@ class ZRMContractBody {
     // Where nobody listens.
     [[nodiscard]] virtual std::string refusingUrl() = 0;
     [[nodiscard]] virtual std::vector<ZRMContractRequest> requests() = 0;
-    // Opens the path's files anew, as another run of the application: the stores of before, a new
-    // platform.
+    // As another run of the application: the stores of before, a new platform.
     virtual void restart() = 0;
+
+    // Targets whose flags follow setFlags(): ZRMReachabilityReachable, that with
+    // ZRMReachabilityIsCellular, 0, or absent where they cannot be read. Reachable at first.
+    [[nodiscard]] virtual std::shared_ptr<ZRMReachabilityTargets> changeableTargets() = 0;
+    virtual void setFlags(std::optional<std::uint32_t> flags) = 0;
 };
 
 struct ZRMContractBodyKind {

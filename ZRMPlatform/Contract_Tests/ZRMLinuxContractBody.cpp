@@ -3,6 +3,8 @@
 
 #include "ZRMPlatform/Contract_Tests/ZRMContractBody.h"
 #include "ZRMPlatform/Linux/ZRMLinuxPlatform.h"
+#include "ZRMPlatform/Linux/ZRMLinuxReachability.h"
+#include "ZRMPlatform/Linux_Tests/ZRMLinuxRouteStubs.h"
 #include "ZRMPlatform/Linux_Tests/ZRMTestDirectory.h"
 #include "ZRMPlatform/Linux_Tests/ZRMTestHttpServer.h"
 
@@ -49,6 +51,22 @@ class LinuxBody final : public ZRMContractBody {
         platform_ = zrm_makeLinuxPlatform(options);
     }
 
+    std::shared_ptr<ZRMReachabilityTargets> changeableTargets() override {
+        home_.writeFile("links/wlan0/ifindex", std::to_string(kZRMStubWifi));
+        home_.writeFile("links/wwan0/ifindex", std::to_string(kZRMStubModem));
+        return std::make_shared<ZRMLinuxReachabilityTargets>(
+            routes_, changes_, ZRMLinuxInterfaces(home_.below("links")),
+            std::vector<ZRMLinuxResolveOverride>());
+    }
+    void setFlags(std::optional<std::uint32_t> flags) override {
+        auto leavingBy = flags;
+        if (flags && *flags != 0) {
+            leavingBy = (*flags & ZRMReachabilityIsCellular) != 0 ? kZRMStubModem : kZRMStubWifi;
+        }
+        routes_->set(leavingBy, leavingBy);
+        changes_->announce();
+    }
+
   private:
     ZRMTestHttpServer& server() {
         if (!server_) {
@@ -85,6 +103,8 @@ class LinuxBody final : public ZRMContractBody {
 
     ZRMTestDirectory home_;
     std::shared_ptr<const ZRMPlatform> platform_;
+    std::shared_ptr<ZRMStubRoutes> routes_ = std::make_shared<ZRMStubRoutes>();
+    std::shared_ptr<ZRMStubRouteChanges> changes_ = std::make_shared<ZRMStubRouteChanges>();
     std::mutex mutex_;
     std::map<std::string, ZRMContractAnswer> answers_;
     std::unique_ptr<ZRMTestHttpServer> server_;

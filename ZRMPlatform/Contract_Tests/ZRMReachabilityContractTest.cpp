@@ -1,4 +1,6 @@
-// What ZRMReachabilityTarget.h promises whatever the network is like.
+// What ZRMReachabilityTarget.h promises.
+#include <gmock/gmock.h>
+
 #include "ZRMPlatform/Contract_Tests/ZRMContractBody.h"
 
 namespace {
@@ -14,7 +16,120 @@ class ZRMReachabilityContract : public ZRMContract {
     }
 };
 
+constexpr std::uint32_t kCellular = ZRMReachabilityReachable | ZRMReachabilityIsCellular;
+
+class ZRMReachabilityChangesContract : public ZRMContract {
+  protected:
+    // Notes the flags it is called with.
+    [[nodiscard]] ZRMReachabilityTarget::Callback noteFlags(const std::string& prefix = "") {
+        return [notes = notes_, prefix](std::uint32_t flags) {
+            notes->add(prefix + std::to_string(flags));
+        };
+    }
+    // Everything posted to the queue before is noted before "end".
+    bool waitForEnd() {
+        queue_->post(note("end"));
+        return waitForNote("end");
+    }
+    static std::string text(std::uint32_t flags) { return std::to_string(flags); }
+
+    std::shared_ptr<ZRMReachabilityTargets> targets_ = body_->changeableTargets();
+    std::shared_ptr<ZRMReachabilityTarget> target_ = targets_->targetForHost("risk.example.com");
+    std::shared_ptr<ZRMQueue> queue_ = serialQueue();
+};
+
 }  // namespace
+
+TEST_P(ZRMReachabilityChangesContract, FlagsAreThoseOfTheMoment) {
+    EXPECT_EQ(target_->flags(), ZRMReachabilityReachable);
+    body_->setFlags(kCellular);
+    EXPECT_EQ(target_->flags(), kCellular);
+    body_->setFlags(0);
+    EXPECT_EQ(target_->flags(), 0u);
+}
+
+TEST_P(ZRMReachabilityChangesContract, FlagsThatCannotBeReadAreAbsent) {
+    body_->setFlags(std::nullopt);
+    EXPECT_FALSE(target_->flags());
+}
+
+TEST_P(ZRMReachabilityChangesContract, DeliversChangesToTheCallbackOnTheQueue) {
+    target_->setCallback([queue = queue_, notes = notes_](std::uint32_t flags) {
+        notes->add(text(flags) + (queue->isCurrent() ? " on queue" : " elsewhere"));
+    });
+    ASSERT_TRUE(target_->schedule(queue_));
+    body_->setFlags(0);
+    ASSERT_TRUE(waitForNotes(1));
+    body_->setFlags(kCellular);
+    ASSERT_TRUE(waitForNotes(2));
+    EXPECT_THAT(notes(), testing::ElementsAre("0 on queue", text(kCellular) + " on queue"));
+}
+
+TEST_P(ZRMReachabilityChangesContract, WithoutAChangeNothingIsDelivered) {
+    target_->setCallback(noteFlags());
+    ASSERT_TRUE(target_->schedule(queue_));
+    body_->setFlags(ZRMReachabilityReachable);
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_THAT(notes(), testing::ElementsAre("end"));
+}
+
+TEST_P(ZRMReachabilityChangesContract, WithoutAQueueNothingIsDelivered) {
+    target_->setCallback(noteFlags());
+    body_->setFlags(0);
+    ASSERT_TRUE(target_->schedule(queue_));
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_THAT(notes(), testing::ElementsAre("end"));
+}
+
+TEST_P(ZRMReachabilityChangesContract, ScheduledTwiceOnAQueueItDeliversOnce) {
+    target_->setCallback(noteFlags());
+    ASSERT_TRUE(target_->schedule(queue_));
+    ASSERT_TRUE(target_->schedule(queue_));
+    body_->setFlags(0);
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_THAT(notes(), testing::ElementsAre("0", "end"));
+}
+
+TEST_P(ZRMReachabilityChangesContract, ANewCallbackReplacesTheOneBefore) {
+    target_->setCallback(noteFlags("old "));
+    ASSERT_TRUE(target_->schedule(queue_));
+    target_->setCallback(noteFlags("new "));
+    body_->setFlags(0);
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_THAT(notes(), testing::ElementsAre("new 0", "end"));
+}
+
+TEST_P(ZRMReachabilityChangesContract, AnEmptyCallbackRemovesIt) {
+    target_->setCallback(noteFlags());
+    ASSERT_TRUE(target_->schedule(queue_));
+    target_->setCallback({});
+    body_->setFlags(0);
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_THAT(notes(), testing::ElementsAre("end"));
+}
+
+TEST_P(ZRMReachabilityChangesContract, UnscheduledOnTheQueueItselfNothingFollows) {
+    target_->setCallback(noteFlags());
+    ASSERT_TRUE(target_->schedule(queue_));
+    queue_->post([this, target = target_, queue = queue_] {
+        body_->setFlags(0);
+        target->unschedule(queue);
+    });
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_THAT(notes(), testing::ElementsAre("end"));
+}
+
+TEST_P(ZRMReachabilityChangesContract, ADroppedTargetDeliversNothing) {
+    target_->setCallback(noteFlags());
+    ASSERT_TRUE(target_->schedule(queue_));
+    target_.reset();
+    body_->setFlags(0);
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_THAT(notes(), testing::ElementsAre("end"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Bodies, ZRMReachabilityChangesContract, zrm_contractBodies(),
+                         zrm_contractBodyName);
 
 TEST_P(ZRMReachabilityContract, MakesTargetsForHostsAndAddresses) {
     EXPECT_NE(targets().targetForHost("risk.example.com"), nullptr);

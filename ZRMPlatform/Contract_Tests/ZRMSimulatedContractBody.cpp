@@ -43,6 +43,13 @@ class SimulatedBody final : public ZRMContractBody {
     }
     void restart() override { device_.restartProcess(); }
 
+    std::shared_ptr<ZRMReachabilityTargets> changeableTargets() override {
+        return device_.platform()->reachabilityTargets;
+    }
+    void setFlags(std::optional<std::uint32_t> flags) override {
+        device_.reachability().setFlags(flags);
+    }
+
   private:
     static constexpr const char* kScratch = "/device/scratch";
     ZRMSimulatedDevice device_;

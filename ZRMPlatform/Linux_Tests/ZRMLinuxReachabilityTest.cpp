@@ -4,66 +4,17 @@
 
 #include "ZRMPlatform/Linux/ZRMLinuxExecutor.h"
 #include "ZRMPlatform/Linux/ZRMLinuxReachability.h"
+#include "ZRMPlatform/Linux_Tests/ZRMLinuxRouteStubs.h"
 #include "ZRMPlatform/Linux_Tests/ZRMTestDirectory.h"
 #include "ZRMPlatform/Linux_Tests/ZRMTestWaiting.h"
 
 namespace {
 
-constexpr std::uint32_t kWifi = 2;
-constexpr std::uint32_t kModem = 3;
-
-class StubRoutes : public ZRMLinuxRoutes {
-  public:
-    [[nodiscard]] std::optional<std::uint32_t> interfaceToward(
-        const ZRMLinuxIpAddress& address) const override {
-        const std::lock_guard lock(mutex_);
-        lastAsked_ = address;
-        return toward_;
-    }
-    [[nodiscard]] std::optional<std::uint32_t> interfaceOfDefaultRoute() const override {
-        const std::lock_guard lock(mutex_);
-        return ofDefault_;
-    }
-    void set(std::optional<std::uint32_t> toward, std::optional<std::uint32_t> ofDefault) {
-        const std::lock_guard lock(mutex_);
-        toward_ = toward;
-        ofDefault_ = ofDefault;
-    }
-    [[nodiscard]] std::optional<ZRMLinuxIpAddress> lastAsked() const {
-        const std::lock_guard lock(mutex_);
-        return lastAsked_;
-    }
-
-  private:
-    mutable std::mutex mutex_;
-    mutable std::optional<ZRMLinuxIpAddress> lastAsked_;
-    std::optional<std::uint32_t> toward_ = kWifi;
-    std::optional<std::uint32_t> ofDefault_ = kWifi;
-};
-
-class StubChanges : public ZRMLinuxRouteChanges {
-  public:
-    bool addListener(const std::shared_ptr<ZRMLinuxRouteListener>& listener) override {
-        listeners.push_back(listener);
-        return isWatching;
-    }
-    void announce() {
-        for (const auto& each : listeners) {
-            if (const auto listener = each.lock()) {
-                listener->routesChanged();
-            }
-        }
-    }
-
-    bool isWatching = true;
-    std::vector<std::weak_ptr<ZRMLinuxRouteListener>> listeners;
-};
-
 class ZRMLinuxReachabilityTest : public testing::Test {
   protected:
     void SetUp() override {
-        directory_.writeFile("wlan0/ifindex", std::to_string(kWifi));
-        directory_.writeFile("wwan0/ifindex", std::to_string(kModem));
+        directory_.writeFile("wlan0/ifindex", std::to_string(kZRMStubWifi));
+        directory_.writeFile("wwan0/ifindex", std::to_string(kZRMStubModem));
     }
     ZRMLinuxReachabilityTargets targets(const std::vector<std::string>& overrides = {}) {
         return {routes_, changes_, ZRMLinuxInterfaces(directory_.path()),
@@ -80,8 +31,8 @@ class ZRMLinuxReachabilityTest : public testing::Test {
     }
 
     ZRMTestDirectory directory_;
-    std::shared_ptr<StubRoutes> routes_ = std::make_shared<StubRoutes>();
-    std::shared_ptr<StubChanges> changes_ = std::make_shared<StubChanges>();
+    std::shared_ptr<ZRMStubRoutes> routes_ = std::make_shared<ZRMStubRoutes>();
+    std::shared_ptr<ZRMStubRouteChanges> changes_ = std::make_shared<ZRMStubRouteChanges>();
     std::shared_ptr<ZRMQueue> queue_ =
         ZRMLinuxExecutor().makeSerialQueue("test", ZRMQualityOfService::Default);
 };
@@ -89,22 +40,22 @@ class ZRMLinuxReachabilityTest : public testing::Test {
 }  // namespace
 
 TEST_F(ZRMLinuxReachabilityTest, TheInternetIsReachableByADefaultRoute) {
-    routes_->set(0, kWifi);
+    routes_->set(0, kZRMStubWifi);
     EXPECT_EQ(internet()->flags(), 0x2U);
-    routes_->set(kWifi, 0);
+    routes_->set(kZRMStubWifi, 0);
     EXPECT_EQ(internet()->flags(), 0U);
-    routes_->set(kWifi, std::nullopt);
+    routes_->set(kZRMStubWifi, std::nullopt);
     EXPECT_EQ(internet()->flags(), std::nullopt);
 }
 
 TEST_F(ZRMLinuxReachabilityTest, AModemsInterfaceIsCellular) {
-    routes_->set(kModem, kModem);
+    routes_->set(kZRMStubModem, kZRMStubModem);
     EXPECT_EQ(internet()->flags(), 0x40002U);
     EXPECT_EQ(targets().targetForHost("192.0.2.1")->flags(), 0x40002U);
 }
 
 TEST_F(ZRMLinuxReachabilityTest, AnAddressIsReachableByARouteToIt) {
-    routes_->set(kWifi, 0);
+    routes_->set(kZRMStubWifi, 0);
     const auto v4 =
         targets().targetForAddress({16, 2, 1, 187, 192, 0, 2, 7, 0, 0, 0, 0, 0, 0, 0, 0});
     EXPECT_EQ(v4->flags(), 0x2U);
@@ -120,7 +71,7 @@ TEST_F(ZRMLinuxReachabilityTest, AnAddressIsReachableByARouteToIt) {
 }
 
 TEST_F(ZRMLinuxReachabilityTest, TheUnspecifiedIpv6AddressIsTheInternetToo) {
-    routes_->set(0, kWifi);
+    routes_->set(0, kZRMStubWifi);
     ZRMSocketAddress bytes(28);
     bytes[0] = 28;
     bytes[1] = 30;
@@ -138,15 +89,15 @@ TEST_F(ZRMLinuxReachabilityTest, AnAddressOfAnotherFormHasNoTarget) {
 }
 
 TEST_F(ZRMLinuxReachabilityTest, ANameCountsAsReachableByADefaultRoute) {
-    routes_->set(0, kWifi);
+    routes_->set(0, kZRMStubWifi);
     EXPECT_EQ(targets().targetForHost("risk.example.test")->flags(), 0x2U);
     EXPECT_EQ(routes_->lastAsked(), std::nullopt);
-    routes_->set(kWifi, 0);
+    routes_->set(kZRMStubWifi, 0);
     EXPECT_EQ(targets().targetForHost("risk.example.test")->flags(), 0U);
 }
 
 TEST_F(ZRMLinuxReachabilityTest, ANameWithAnOverrideOrAnAddressIsAskedByAddress) {
-    routes_->set(kWifi, 0);
+    routes_->set(kZRMStubWifi, 0);
     const std::map<std::string, std::string> expected = {{"Risk.Example.test", "192.0.2.1"},
                                                          {"localhost", "127.0.0.1"},
                                                          {"LocalHost", "127.0.0.1"},
@@ -177,7 +128,7 @@ TEST_F(ZRMLinuxReachabilityTest, OnlyAChangeOfTheFlagsIsDeliveredAndOnTheQueue) 
     routes_->set(0, 0);
     changes_->announce();
     changes_->announce();
-    routes_->set(kModem, kModem);
+    routes_->set(kZRMStubModem, kZRMStubModem);
     changes_->announce();
     drain();
     EXPECT_EQ(told, (std::vector<std::uint32_t>{0, 0x40002}));
@@ -223,7 +174,7 @@ TEST_F(ZRMLinuxReachabilityTest, ACallbackThatIsReplacedOrRemovedIsNotCalled) {
     changes_->announce();
     drain();
     target->setCallback({});
-    routes_->set(kWifi, kWifi);
+    routes_->set(kZRMStubWifi, kZRMStubWifi);
     changes_->announce();
     drain();
     EXPECT_EQ(first, 0);
