@@ -23,6 +23,7 @@ class ZRMCloudKit {
 
     // Once. May block on the disk and on the keychain.
     virtual void start() = 0;
+    [[nodiscard]] virtual bool isStarted() const = 0;
 
     // The tag of the device that events carry; empty before start().
     [[nodiscard]] virtual std::string deviceTag() const = 0;

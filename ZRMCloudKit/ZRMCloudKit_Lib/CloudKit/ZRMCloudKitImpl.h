@@ -39,6 +39,7 @@ class ZRMCloudKitImpl final : public ZRMCloudKit,
         ZRMCloudKitDetectors detectors = {}, ZRMStatisticsServiceMaker makeStatisticsService = {});
 
     void start() override;
+    [[nodiscard]] bool isStarted() const override { return started() != nullptr; }
 
     [[nodiscard]] std::string deviceTag() const override;
     [[nodiscard]] std::string secureDeviceTag() const override;

@@ -123,6 +123,14 @@ TEST_F(ZRMCloudKitAdapterTest, SecondActivationSucceedsAndStartsNothing) {
     EXPECT_EQ(provider_->configurations.size(), 1u);
 }
 
+TEST_F(ZRMCloudKitAdapterTest, CoreThatRunsAlreadyIsNotStartedAgain) {
+    activate();
+    adapter_.reset();
+    adapter().activateWithCompletionHandler([](const std::optional<ZRMError>&) {});
+    EXPECT_TRUE(adapter().isRunning());
+    EXPECT_THAT(core().calls, testing::IsEmpty());
+}
+
 TEST_F(ZRMCloudKitAdapterTest, CoreGetsItsConfigurationFromTheSettings) {
     settings_.urls().setCustomStatisticsUrl("https://own.example.com/stat?cid=own");
     settings_.urls().setSecureDeviceTagUrl("https://tag.example.com/t");

@@ -16,8 +16,13 @@ class ZRMFakeCloudKit final : public ZRMCloudKit {
     std::string tag;
     std::string secureTag;
     std::size_t pendingEvents = 0;
+    bool started = false;
 
-    void start() override { calls.emplace_back("start"); }
+    void start() override {
+        calls.emplace_back("start");
+        started = true;
+    }
+    [[nodiscard]] bool isStarted() const override { return started; }
     [[nodiscard]] std::string deviceTag() const override { return tag; }
     [[nodiscard]] std::string secureDeviceTag() const override { return secureTag; }
     [[nodiscard]] std::size_t pendingEventCount() const override { return pendingEvents; }

@@ -46,7 +46,9 @@ void ZRMCloudKitAdapter::activateWithCompletionHandler(const CompletionHandler& 
         }
         const auto cloudKit = cloudKitProvider_->cloudKitWithConfiguration(
             makeCloudKitConfiguration(), serverTimeProvider);
-        cloudKit->start();
+        if (!cloudKit->isStarted()) {  // else another service of this process has
+            cloudKit->start();
+        }
 
         const std::lock_guard lock(mutex_);
         cloudKit_ = cloudKit;

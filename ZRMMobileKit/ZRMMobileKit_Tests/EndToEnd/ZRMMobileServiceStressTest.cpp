@@ -1,0 +1,120 @@
+// Many threads report while the service activates, on the real device body. The thread sanitizer is
+// the second reader of this test.
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "ZRMMobileKit/ZRMMobileService.h"
+#include "ZRMPlatform/Linux/ZRMLinuxPlatform.h"
+#include "ZRMPlatform/Linux_Tests/ZRMTestDirectory.h"
+#include "ZRMPlatform/Simulated/ZRMSimulatedDevice.h"
+
+namespace {
+
+constexpr int kThreads = 8;
+constexpr int kReportsEach = 40;
+
+// Counts the calls of each handler and waits until every handler was called.
+class HandlerCounts {
+  public:
+    ZRMMobileService::CompletionHandler handler() {
+        const std::lock_guard lock(mutex_);
+        const auto index = calls_.size();
+        calls_.push_back(0);
+        return [this, index](const std::optional<ZRMError>& error) {
+            const std::lock_guard callLock(mutex_);
+            ++calls_[index];
+            ++called_;
+            if (error) {
+                codes_.push_back(error->code());
+            }
+            changed_.notify_all();
+        };
+    }
+    bool waitForAll() {
+        std::unique_lock lock(mutex_);
+        return changed_.wait_for(lock, std::chrono::seconds(120),
+                                 [this] { return called_ >= calls_.size(); });
+    }
+    bool everyHandlerWasCalledOnce() {
+        const std::lock_guard lock(mutex_);
+        return std::ranges::all_of(calls_, [](int calls) { return calls == 1; });
+    }
+    // Nothing but "not ready" and "disabled" may come back.
+    bool onlyExpectedErrors() {
+        const std::lock_guard lock(mutex_);
+        return std::ranges::all_of(codes_,
+                                   [](std::int64_t code) { return code == 3 || code == 12; });
+    }
+
+  private:
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::vector<int> calls_;
+    std::size_t called_ = 0;
+    std::vector<std::int64_t> codes_;
+};
+
+void report(ZRMMobileService& service, HandlerCounts& counts, int index) {
+    switch (index % 8) {
+        case 0:
+            service.activateWithCompletionHandler(counts.handler());
+            break;
+        case 1:
+            service.sendLogin("user", ZRMLoginResult::Success, counts.handler());
+            break;
+        case 2:
+            service.sendLogoutWithCompletionHandler(counts.handler());
+            break;
+        case 3:
+            service.sendSessionId("session", counts.handler());
+            break;
+        case 4:
+            service.sendUINavigationEvent("point", counts.handler());
+            break;
+        case 5:
+            service.analyzeEnvironmentWithCompletionHandler(counts.handler());
+            break;
+        case 6:
+            static_cast<void>(service.deviceTag());
+            service.sendGeoLocationWithCompletionHandler(counts.handler());
+            break;
+        default:
+            static_cast<void>(service.pendingEventCount());
+            service.startWithCompletionHandler(counts.handler());
+            break;
+    }
+}
+
+}  // namespace
+
+TEST(ZRMMobileServiceStress, EveryHandlerIsCalledOnceWhileEightThreadsReportDuringActivation) {
+    const ZRMTestDirectory home;
+    ZRMLinuxPlatformOptions options;
+    options.homeDirectory = home.path();
+    options.resourcesDirectory = ZRM_SOURCE_DIR "/ZRMStatistics/Resources";
+    const ZRMScopedPlatform installed(zrm_makeLinuxPlatform(options));
+
+    // Nothing listens at the default endpoint on the loopback.
+    ZRMMobileServiceConfiguration configuration;
+    configuration.setLogLevel(ZRMMobileServiceLogLevelErrors);
+    const auto service = ZRMMobileService::createServiceWithConfiguration(configuration);
+    HandlerCounts counts;
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < kThreads; ++thread) {
+        threads.emplace_back([&, thread] {
+            for (int index = 0; index < kReportsEach; ++index) {
+                report(*service, counts, thread + index);
+            }
+        });
+    }
+    for (auto& thread : threads) {
+        thread.join();
+    }
+    EXPECT_TRUE(counts.waitForAll());
+    EXPECT_TRUE(counts.everyHandlerWasCalledOnce());
+    EXPECT_TRUE(counts.onlyExpectedErrors());
+    EXPECT_TRUE(service->deviceTag().has_value());
+}
