@@ -1,4 +1,5 @@
-// The JSON types of the library. Key order is kept as inserted; numbers are int64, uint64 or double.
+// The JSON types of the library. Key order is kept as inserted; numbers are int64, uint64 or
+// double.
 #pragma once
 
 #include <boost/json/array.hpp>
