@@ -10,6 +10,11 @@
 
 namespace {
 
+// Loaded images are reported as a list and not judged here.
+constexpr std::uint32_t kJailbreakDetectorMask = ZRMDeviceJailbreakDetectorFSPermissions |
+                                                 ZRMDeviceJailbreakDetectorSysCalls |
+                                                 ZRMDeviceJailbreakDetectorUrlSchemes;
+
 ZRMError locationNotAvailable() {
     return ZRMError::withDescription(kZRMCloudKitErrorDomain, ZRMCloudKitErrorLocationNotAvailable,
                                      "The device's location is not available.");
@@ -35,11 +40,30 @@ void ZRMCloudKitImpl::sendFingerprint() {
 }
 
 void ZRMCloudKitImpl::sendDeviceJailbreak() {
-    sendFromSource(detectors_.jailbreak, "Jailbreak detection");
+    if (!detectors_.makeJailbreakDetectors || !detectors_.dyldWatcher) {
+        logNotAvailable("Jailbreak detection");
+        return;
+    }
+    perform([](ZRMCloudKitImpl& core) {
+        core.send(kZRMEventPriorityUsual, [&core](const ZRMEventProvider& provider) {
+            const auto& detectors = core.detectors_;
+            return provider.jailbreakEventWithDetectorCollection(
+                detectors.makeJailbreakDetectors(kJailbreakDetectorMask), detectors.dyldWatcher);
+        });
+    });
 }
 
 void ZRMCloudKitImpl::sendApplicationSignature() {
-    sendFromSource(detectors_.applicationSignature, "The application's code signature");
+    if (!detectors_.codeSignatureWatcher) {
+        logNotAvailable("The application's code signature");
+        return;
+    }
+    perform([](ZRMCloudKitImpl& core) {
+        core.send(kZRMEventPriorityUsual, [&core](const ZRMEventProvider& provider) {
+            return provider.applicationSignatureEventWithSignature(
+                core.detectors_.codeSignatureWatcher->codeSignature());
+        });
+    });
 }
 
 void ZRMCloudKitImpl::sendLogEvent(const std::vector<std::string>& logs) {

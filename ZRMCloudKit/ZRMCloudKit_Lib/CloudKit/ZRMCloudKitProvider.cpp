@@ -18,8 +18,9 @@ std::shared_ptr<ZRMCloudKit> ZRMCloudKitProvider::cloudKitWithConfiguration(
     std::shared_ptr<ZRMServerTimeProvider> serverTimeProvider) {
     const std::lock_guard lock(mutex_);
     if (!cloudKit_) {
-        cloudKit_ = ZRMCloudKitImpl::cloudKitWithConfiguration(platform_, configuration,
-                                                               std::move(serverTimeProvider));
+        cloudKit_ = ZRMCloudKitImpl::cloudKitWithConfiguration(
+            platform_, configuration, std::move(serverTimeProvider),
+            zrm_makeCloudKitDetectors(platform_));
     }
     return cloudKit_;
 }

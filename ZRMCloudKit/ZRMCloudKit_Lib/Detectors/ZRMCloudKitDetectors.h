@@ -1,9 +1,11 @@
 // What the event core finds the device's signals with.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 
+#include "JailbreakDetection/ZRMDeviceJailbreakDetectorCollection.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Detectors/ZRMBundleHashing.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Detectors/ZRMCallObserving.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Detectors/ZRMDeviceLocating.h"
@@ -14,13 +16,19 @@
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Detectors/ZRMTouchIdSensing.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Detectors/ZRMVpnDetecting.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Policies/ZRMScreenRecordingEventPolicy.h"
+#include "ZRMSystemWatcher/ZRMSystemWatcher_Lib/CodeSignatureWatcher/ZRMCodeSignatureWatcher.h"
+#include "ZRMSystemWatcher/ZRMSystemWatcher_Lib/DyldWatcher/ZRMDyldWatcher.h"
 
 // Each member may be absent; what needs it is then not sent. Members that make something make a new
 // one on each call and never yield nothing.
 struct ZRMCloudKitDetectors {
     std::shared_ptr<ZRMEventSource> fingerprint;
-    std::shared_ptr<ZRMEventSource> jailbreak;
-    std::shared_ptr<ZRMEventSource> applicationSignature;
+    // The jailbreak detectors of a mask of kinds, and the images that are told beside their
+    // verdicts.
+    std::function<std::shared_ptr<ZRMDeviceJailbreakDetectorCollection>(std::uint32_t mask)>
+        makeJailbreakDetectors;
+    std::shared_ptr<ZRMDyldWatcher> dyldWatcher;
+    std::shared_ptr<ZRMCodeSignatureWatcher> codeSignatureWatcher;
     std::shared_ptr<ZRMBundleHashing> bundleHasher;
     std::shared_ptr<ZRMTouchIdSensing> touchId;
     std::shared_ptr<ZRMCallObserving> callObserver;
@@ -36,3 +44,6 @@ struct ZRMCloudKitDetectors {
     std::function<std::shared_ptr<ZRMSecureDeviceTagProviding>(const ZRMSecureDeviceTagParameters&)>
         makeSecureDeviceTagProvider;
 };
+
+// Those that this library has of its own, on that platform.
+ZRMCloudKitDetectors zrm_makeCloudKitDetectors(const std::shared_ptr<const ZRMPlatform>& platform);

@@ -36,6 +36,18 @@ std::shared_ptr<ZRMTouchIdChangedEvent> ZRMEventProvider::touchIdChangedEventWit
     return make<ZRMTouchIdChangedEvent>(supported, enabled, changed);
 }
 
+std::shared_ptr<ZRMDeviceJailbreakEvent> ZRMEventProvider::jailbreakEventWithDetectorCollection(
+    std::shared_ptr<ZRMDeviceJailbreakDetectorCollection> detectorCollection,
+    std::shared_ptr<ZRMDyldWatcher> dyldWatcher) const {
+    return make<ZRMDeviceJailbreakEvent>(std::move(detectorCollection), std::move(dyldWatcher));
+}
+
+std::shared_ptr<ZRMApplicationSignatureEvent>
+ZRMEventProvider::applicationSignatureEventWithSignature(
+    ZRMApplicationSignatureEvent::Signature signature) const {
+    return make<ZRMApplicationSignatureEvent>(std::move(signature));
+}
+
 std::shared_ptr<ZRMUINavigationEvent> ZRMEventProvider::uiNavigationEventWithNavigationPoint(
     const std::string& navigationPoint) const {
     return make<ZRMUINavigationEvent>(navigationPoint);

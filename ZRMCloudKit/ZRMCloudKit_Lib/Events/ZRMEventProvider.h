@@ -7,8 +7,10 @@
 #include <vector>
 
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Catalogue/ZRMApplicationInfoEvent.h"
+#include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Catalogue/ZRMApplicationSignatureEvent.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Catalogue/ZRMCallInfoEvent.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Catalogue/ZRMConfigEvent.h"
+#include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Catalogue/ZRMDeviceJailbreakEvent.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Catalogue/ZRMLogDataEvent.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Catalogue/ZRMScreenRecordingEvent.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Catalogue/ZRMScreenshotEvent.h"
@@ -41,6 +43,11 @@ class ZRMEventProvider {
         const std::string& md5) const;
     [[nodiscard]] std::shared_ptr<ZRMTouchIdChangedEvent> touchIdChangedEventWithSupported(
         bool supported, bool enabled, bool changed) const;
+    [[nodiscard]] std::shared_ptr<ZRMDeviceJailbreakEvent> jailbreakEventWithDetectorCollection(
+        std::shared_ptr<ZRMDeviceJailbreakDetectorCollection> detectorCollection,
+        std::shared_ptr<ZRMDyldWatcher> dyldWatcher) const;
+    [[nodiscard]] std::shared_ptr<ZRMApplicationSignatureEvent>
+    applicationSignatureEventWithSignature(ZRMApplicationSignatureEvent::Signature signature) const;
     [[nodiscard]] std::shared_ptr<ZRMUINavigationEvent> uiNavigationEventWithNavigationPoint(
         const std::string& navigationPoint) const;
     [[nodiscard]] std::shared_ptr<ZRMSessionIdEvent> sessionIdEventWithIdentifier(

@@ -6,6 +6,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 
 class ZRMCloudKitSignals : public ZRMCloudKitFixture {};
 
@@ -40,21 +41,37 @@ TEST_F(ZRMCloudKitSignals, DoNothingButOneVerboseLineWhenTheirDetectorIsAbsent) 
 
 TEST_F(ZRMCloudKitSignals, SendWhatTheirSourcesTellFromTheCoresQueue) {
     detectors_.fingerprint = std::make_shared<ZRMFakeEventSource>("FingerprintEvent");
-    detectors_.jailbreak = std::make_shared<ZRMFakeEventSource>("DeviceJailbreakEvent");
-    detectors_.applicationSignature =
-        std::make_shared<ZRMFakeEventSource>("IOSApplicationSignatureEvent");
+    auto own = zrm_makeCloudKitDetectors(device_.platform());
+    detectors_.makeJailbreakDetectors = own.makeJailbreakDetectors;
+    detectors_.dyldWatcher = own.dyldWatcher;
+    detectors_.codeSignatureWatcher = own.codeSignatureWatcher;
     const auto core = makeStartedCore();
     core->sendFingerprint();
     core->sendDeviceJailbreak();
     core->sendApplicationSignature();
     EXPECT_THAT(service_->sent, IsEmpty());
     device_.runUntilIdle();
-    EXPECT_THAT(sentTypes(), ElementsAre("FingerprintEvent", "DeviceJailbreakEvent",
-                                         "IOSApplicationSignatureEvent"));
+    // The core's queue runs them side by side.
+    EXPECT_THAT(sentTypes(), UnorderedElementsAre("FingerprintEvent", "DeviceJailbreakEvent",
+                                                  "IOSApplicationSignatureEvent"));
     for (std::size_t index = 0; index < 3; ++index) {
         EXPECT_EQ(sentPriority(index), 3);
         EXPECT_TRUE(sentBody(index).contains("environmentData"));
     }
+}
+
+TEST_F(ZRMCloudKitSignals, AskTheJailbreakDetectorsOfFilesUrlSchemesAndSystemCall) {
+    detectors_ = zrm_makeCloudKitDetectors(device_.platform());
+    std::uint32_t askedMask = 0;
+    detectors_.makeJailbreakDetectors = [&](std::uint32_t mask) {
+        askedMask = mask;
+        return ZRMDeviceJailbreakDetectorCollection::collectionWithDetectors(*device_.platform(),
+                                                                             mask);
+    };
+    const auto core = makeStartedCore();
+    core->sendDeviceJailbreak();
+    device_.runUntilIdle();
+    EXPECT_EQ(askedMask, 13U);
 }
 
 class ZRMApplicationMd5 : public ZRMCloudKitFixture {

@@ -6,6 +6,7 @@
 #include "ZRMCloudKit/ZRMCloudKit_Tests/Support/ZRMFakeDetectors.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/UIDevice/UIDevice+ZRMCoreKit.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Json/ZRMJsonText.h"
+#include "ZRMSystemWatcher/ZRMSystemWatcher_Tests/ZRMSignedImageWriter.h"
 
 namespace {
 
@@ -24,6 +25,7 @@ class ZRMGoldenEvents : public ZRMCloudKitFixture {
         serverTimeProvider_ = std::make_shared<ZRMServerTimeProvider>(device_.platform()->clock);
         serverTimeProvider_->setTime("Wed, 31 Dec 2025 23:59:30 GMT");
 
+        detectors_ = zrm_makeCloudKitDetectors(device_.platform());
         vpn_ = std::make_shared<ZRMFakeVpnDetector>(true);
         detectors_.makeVpnDetector = [this] { return vpn_; };
         recording_ = std::make_shared<ZRMFakeScreenRecordingDetector>(
@@ -58,6 +60,22 @@ class ZRMGoldenEvents : public ZRMCloudKitFixture {
     std::shared_ptr<ZRMFakeCallObserver> calls_ = std::make_shared<ZRMFakeCallObserver>();
     std::shared_ptr<ZRMCloudKitImpl> core_;
 };
+
+TEST_F(ZRMGoldenEvents, DeviceJailbreak) {
+    device_.loader().load("/private/var/containers/Bank.app/Bank", 0x100000000);
+    device_.loader().load("/Library/MobileSubstrate/MobileSubstrate.dylib", 0x1a0000000);
+    device_.urlOpener().openableUrls = {"cydia://package"};
+    device_.commandProcessor().available = 1;
+    core_->sendDeviceJailbreak();
+    expectGolden("DeviceJailbreakEvent");
+}
+
+TEST_F(ZRMGoldenEvents, ApplicationSignature) {
+    device_.loader().load("/private/var/containers/Bank.app/Bank", 0x100000000,
+                          zrm_writeSignedImage({.codeDirectories = {{.hashType = 1}, {}}}).bytes);
+    core_->sendApplicationSignature();
+    expectGolden("IOSApplicationSignatureEvent");
+}
 
 TEST_F(ZRMGoldenEvents, UINavigation) {
     core_->sendUINavigationPoint("Überweisung");

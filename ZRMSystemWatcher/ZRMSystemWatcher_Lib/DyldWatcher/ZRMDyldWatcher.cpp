@@ -9,6 +9,17 @@ std::shared_ptr<ZRMDyldWatcher> ZRMDyldWatcher::sharedWatcher() {
     return *watcher;
 }
 
+std::shared_ptr<ZRMDyldWatcher> ZRMDyldWatcher::watcherForPlatform(const ZRMPlatform& platform) {
+    if (platform.loader == zrm_processLoader()) {
+        return sharedWatcher();
+    }
+    return platform.instances->shared<ZRMDyldWatcher>([&platform] {
+        auto watcher = std::make_shared<ZRMDyldWatcher>(platform.loader);
+        watcher->registerAddImageCallback();
+        return watcher;
+    });
+}
+
 ZRMDyldWatcher::ZRMDyldWatcher(std::shared_ptr<ZRMLoader> loader) : loader_(std::move(loader)) {}
 
 void ZRMDyldWatcher::registerAddImageCallback() {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "ZRMPlatform/Ports/ZRMLoader.h"
+#include "ZRMPlatform/Ports/ZRMPlatform.h"
 #include "ZRMSystemWatcher/ZRMSystemWatcher_Lib/DyldWatcher/ZRMDyldImageDescriptor.h"
 
 // May be used from any thread.
@@ -14,6 +15,10 @@ class ZRMDyldWatcher : public std::enable_shared_from_this<ZRMDyldWatcher> {
   public:
     // The process's one watcher, which a load-time initialiser registers with the loader.
     static std::shared_ptr<ZRMDyldWatcher> sharedWatcher();
+
+    // The shared watcher where the platform's loader is the process's own; otherwise the one that
+    // watches that loader from the first call on.
+    static std::shared_ptr<ZRMDyldWatcher> watcherForPlatform(const ZRMPlatform& platform);
 
     // Records nothing until it is registered or images are added by hand.
     explicit ZRMDyldWatcher(std::shared_ptr<ZRMLoader> loader);

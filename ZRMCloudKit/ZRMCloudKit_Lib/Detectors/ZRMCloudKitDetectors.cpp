@@ -1,0 +1,12 @@
+#include "ZRMCloudKit/ZRMCloudKit_Lib/Detectors/ZRMCloudKitDetectors.h"
+
+ZRMCloudKitDetectors zrm_makeCloudKitDetectors(const std::shared_ptr<const ZRMPlatform>& platform) {
+    ZRMCloudKitDetectors detectors;
+    detectors.makeJailbreakDetectors = [platform](std::uint32_t mask) {
+        return ZRMDeviceJailbreakDetectorCollection::collectionWithDetectors(*platform, mask);
+    };
+    detectors.dyldWatcher = ZRMDyldWatcher::watcherForPlatform(*platform);
+    detectors.codeSignatureWatcher = std::make_shared<ZRMCodeSignatureWatcher>(
+        platform->loader, platform->mainBundle, platform->fileManager, platform->digests);
+    return detectors;
+}
