@@ -3,6 +3,8 @@
 #include <utility>
 #include <vector>
 
+#include <boost/json/serialize.hpp>
+
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSData/NSData+ZRMCoreKit.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSString/NSString+ZRMCoreKit.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Json/ZRMJsonText.h"

@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include <boost/json/serialize.hpp>
+
 #include "ZRMMobileKit/ZRMMobileKitInfo.h"
 
 namespace {
