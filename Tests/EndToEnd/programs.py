@@ -90,11 +90,11 @@ class Server(Program):
 
 
 class Host(Program):
-    def __init__(self, place, port, options=()):
+    def __init__(self, place, port, url=None, authority="tls-ca.pem"):
         super().__init__("zrm-host", [
             "--home", place.home, "--resources", place.resources, "--bundle", place.bundle,
-            "--statistics-url", f"https://{HOST_NAME}:{port}/stat", "--ca", place.pki / "tls-ca.pem",
-            "--resolve", f"{HOST_NAME}:{port}:127.0.0.1", *options], place.path / "host.log")
+            "--statistics-url", url or f"https://{HOST_NAME}:{port}/stat", "--ca", place.pki / authority,
+            "--resolve", f"{HOST_NAME}:{port}:127.0.0.1"], place.path / "host.log")
 
     def send(self, command):
         self.process.stdin.write(command.encode() + b"\n")

@@ -19,7 +19,9 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t kAny = std::numeric_limits<std::size_t>::max();
 constexpr std::chrono::seconds kAnswerLimit{120};
-constexpr std::chrono::milliseconds kDrainPoll{10};
+constexpr std::chrono::seconds kStoringLimit{10};
+constexpr std::chrono::microseconds kShortestPause{100};
+constexpr std::chrono::microseconds kLongestPause{20000};
 
 ZRMHostAnswer failed(ZRMHostErrorCode code, const std::string& message) {
     return {{}, zrm_hostError(code, message), {}};
@@ -34,6 +36,28 @@ ZRMHostAnswer await(const std::function<void(const Handler&)>& operation) {
         return failed(ZRMHostErrorNoAnswer, "the library did not call its handler");
     }
     return {{}, answered.get(), {}};
+}
+
+// Looks at the count, ever less often, until it is 0 or the time is over. Returns the last count.
+std::size_t waitForNone(const std::function<std::size_t()>& count, Clock::duration limit) {
+    const auto end = Clock::now() + limit;
+    auto pause = kShortestPause;
+    auto left = count();
+    while (left > 0 && Clock::now() < end) {
+        std::this_thread::sleep_for(pause);
+        pause = std::min(2 * pause, kLongestPause);
+        left = count();
+    }
+    return left;
+}
+
+// A report: completed once the event is in the store too, so that ending the host, however it is
+// done, loses nothing that was answered.
+ZRMHostAnswer report(ZRMHostContext& context,
+                     const std::function<void(const Handler&)>& operation) {
+    auto answer = await(operation);
+    waitForNone([&] { return context.service.unstoredEventCount(); }, kStoringLimit);
+    return answer;
 }
 
 ZRMHostAnswer activate(ZRMHostContext& context, const Words&) {
@@ -57,22 +81,26 @@ ZRMHostAnswer login(ZRMHostContext& context, const Words& arguments) {
                       "RESULT is neither 0 to 6 nor one of their texts");
     }
     const auto name = arguments.size() > 2 ? std::optional(arguments[2]) : std::nullopt;
-    return await(
-        [&](const Handler& done) { context.service.sendLogin(arguments[0], *result, name, done); });
+    return report(context, [&](const Handler& done) {
+        context.service.sendLogin(arguments[0], *result, name, done);
+    });
 }
 
 ZRMHostAnswer logout(ZRMHostContext& context, const Words&) {
-    return await(
-        [&](const Handler& done) { context.service.sendLogoutWithCompletionHandler(done); });
+    return report(context, [&](const Handler& done) {
+        context.service.sendLogoutWithCompletionHandler(done);
+    });
 }
 
 ZRMHostAnswer navigate(ZRMHostContext& context, const Words& arguments) {
-    return await(
-        [&](const Handler& done) { context.service.sendUINavigationEvent(arguments[0], done); });
+    return report(context, [&](const Handler& done) {
+        context.service.sendUINavigationEvent(arguments[0], done);
+    });
 }
 
 ZRMHostAnswer session(ZRMHostContext& context, const Words& arguments) {
-    return await([&](const Handler& done) { context.service.sendSessionId(arguments[0], done); });
+    return report(context,
+                  [&](const Handler& done) { context.service.sendSessionId(arguments[0], done); });
 }
 
 ZRMHostAnswer location(ZRMHostContext& context, const Words&) {
@@ -107,12 +135,7 @@ ZRMHostAnswer drain(ZRMHostContext& context, const Words& arguments) {
     if (!time) {
         return failed(ZRMHostErrorWrongArguments, "SECONDS is no number from 0 to 86400");
     }
-    const auto end = Clock::now() + *time;
-    auto pending = context.service.pendingEventCount();
-    while (pending > 0 && Clock::now() < end) {
-        std::this_thread::sleep_for(kDrainPoll);
-        pending = context.service.pendingEventCount();
-    }
+    const auto pending = waitForNone([&] { return context.service.pendingEventCount(); }, *time);
     return {{}, {}, boost::json::value(pending)};
 }
 

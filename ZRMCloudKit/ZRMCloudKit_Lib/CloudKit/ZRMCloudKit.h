@@ -33,6 +33,8 @@ class ZRMCloudKit {
     // How many events are queued and not yet answered by the server, those of earlier runs
     // included; 0 before start().
     [[nodiscard]] virtual std::size_t pendingEventCount() const = 0;
+    // How many of them are not in the store yet and would be lost if the process ended now.
+    [[nodiscard]] virtual std::size_t unstoredEventCount() const = 0;
 
     // These four build and queue their event before they return.
     virtual void sendUserLogin(const std::string& userName, const std::string& result,

@@ -119,6 +119,11 @@ std::size_t ZRMCloudKitImpl::pendingEventCount() const {
     return core ? core->statisticsService->pendingEventCount() : 0;
 }
 
+std::size_t ZRMCloudKitImpl::unstoredEventCount() const {
+    const auto core = started();
+    return core ? core->statisticsService->unstoredEventCount() : 0;
+}
+
 std::map<std::string, std::string> ZRMCloudKitImpl::customHeaders() const {
     return {{kMobileUuidHeader, secureDeviceTag()}};
 }

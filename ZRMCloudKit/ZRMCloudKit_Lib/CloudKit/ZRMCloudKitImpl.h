@@ -44,6 +44,7 @@ class ZRMCloudKitImpl final : public ZRMCloudKit,
     [[nodiscard]] std::string deviceTag() const override;
     [[nodiscard]] std::string secureDeviceTag() const override;
     [[nodiscard]] std::size_t pendingEventCount() const override;
+    [[nodiscard]] std::size_t unstoredEventCount() const override;
 
     void sendUserLogin(const std::string& userName, const std::string& result,
                        const std::string& userId) override;

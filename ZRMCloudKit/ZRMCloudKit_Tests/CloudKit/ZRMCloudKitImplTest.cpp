@@ -32,6 +32,7 @@ TEST_F(ZRMCloudKitImplTest, SendsNothingAndKnowsNoTagBeforeItIsStarted) {
     EXPECT_EQ(core->deviceTag(), "");
     EXPECT_EQ(core->secureDeviceTag(), "");
     EXPECT_EQ(core->pendingEventCount(), 0U);
+    EXPECT_EQ(core->unstoredEventCount(), 0U);
     EXPECT_EQ(core->customHeaders(), (std::map<std::string, std::string>{{"Mobile-UUID", ""}}));
     EXPECT_EQ(core->settings()->touchIdDomainState(), std::nullopt);
     EXPECT_EQ(core->settings()->applicationMd5SendDate(), ZRMDate{0});
@@ -49,6 +50,8 @@ TEST_F(ZRMCloudKitImplTest, StartsAStatisticsServiceMadeFromItsConfiguration) {
     EXPECT_EQ(service_->starts, 1);
     core->sendUserLogout();
     EXPECT_EQ(core->pendingEventCount(), 1U);
+    service_->unstored = 7;
+    EXPECT_EQ(core->unstoredEventCount(), 7U);
 }
 
 TEST_F(ZRMCloudKitImplTest, SnapshotsTheEnvironmentOnceAtTheStart) {

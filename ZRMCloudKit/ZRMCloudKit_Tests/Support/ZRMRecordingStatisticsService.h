@@ -19,7 +19,9 @@ class ZRMRecordingStatisticsService final : public ZRMStatisticsService {
         sent.push_back({event.parameters(), priority});
     }
     [[nodiscard]] std::size_t pendingEventCount() const override { return sent.size(); }
+    [[nodiscard]] std::size_t unstoredEventCount() const override { return unstored; }
 
     int starts = 0;
+    std::size_t unstored = 0;
     std::vector<Sent> sent;
 };

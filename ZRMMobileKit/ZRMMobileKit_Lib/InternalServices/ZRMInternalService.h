@@ -37,4 +37,6 @@ class ZRMInternalService {
         const CompletionHandler& completionHandler) = 0;
     // Events that were taken over and that the server has not answered yet.
     [[nodiscard]] virtual std::size_t pendingEventCount() const = 0;
+    // Those of them that would be lost if the process ended now.
+    [[nodiscard]] virtual std::size_t unstoredEventCount() const = 0;
 };

@@ -118,3 +118,11 @@ std::size_t ZRMInternalServices::pendingEventCount() const {
     }
     return count;
 }
+
+std::size_t ZRMInternalServices::unstoredEventCount() const {
+    std::size_t count = 0;
+    for (const auto& service : services_) {
+        count += service->unstoredEventCount();
+    }
+    return count;
+}

@@ -40,6 +40,7 @@ class ZRMInternalServices {
 
     // Of all services together.
     [[nodiscard]] std::size_t pendingEventCount() const;
+    [[nodiscard]] std::size_t unstoredEventCount() const;
 
   private:
     using Request = std::function<void(ZRMInternalService&, const CompletionHandler&)>;

@@ -97,3 +97,8 @@ std::size_t ZRMMobileServiceImpl::pendingEventCount() const {
     const auto services = internalServices();
     return services ? services->pendingEventCount() : 0;
 }
+
+std::size_t ZRMMobileServiceImpl::unstoredEventCount() const {
+    const auto services = internalServices();
+    return services ? services->unstoredEventCount() : 0;
+}

@@ -158,9 +158,13 @@ std::optional<std::string> ZRMMobileService::deviceTag() const {
     return impl_->deviceTag();
 }
 
+// Hosts ask for the two counts again and again while they wait: that would flood the log.
 std::size_t ZRMMobileService::pendingEventCount() const {
-    logOperation(impl_.get(), "pendingEventCount");
     return impl_->pendingEventCount();
+}
+
+std::size_t ZRMMobileService::unstoredEventCount() const {
+    return impl_->unstoredEventCount();
 }
 
 std::string ZRMMobileService::version() const {

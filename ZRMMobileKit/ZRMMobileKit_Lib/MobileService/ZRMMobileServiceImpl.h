@@ -55,6 +55,7 @@ class ZRMMobileServiceImpl : public std::enable_shared_from_this<ZRMMobileServic
     [[nodiscard]] bool isActivated() const;
     [[nodiscard]] std::optional<std::string> deviceTag() const;
     [[nodiscard]] std::size_t pendingEventCount() const;
+    [[nodiscard]] std::size_t unstoredEventCount() const;
 
   private:
     // The handlers that wait for the activation under way.

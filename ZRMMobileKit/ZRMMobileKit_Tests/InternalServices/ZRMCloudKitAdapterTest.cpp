@@ -371,13 +371,16 @@ TEST_F(ZRMCloudKitAdapterTest, TagsAreTheCoresAndEmptyWithoutOne) {
     EXPECT_EQ(adapter().deviceTag(), "");
     EXPECT_EQ(adapter().secureDeviceTag(), "");
     EXPECT_EQ(adapter().pendingEventCount(), 0u);
+    EXPECT_EQ(adapter().unstoredEventCount(), 0u);
     activate();
     core().tag = "tag";
     core().secureTag = "secure";
     core().pendingEvents = 4;
+    core().unstoredEvents = 2;
     EXPECT_EQ(adapter().deviceTag(), "tag");
     EXPECT_EQ(adapter().secureDeviceTag(), "secure");
     EXPECT_EQ(adapter().pendingEventCount(), 4u);
+    EXPECT_EQ(adapter().unstoredEventCount(), 2u);
 }
 
 namespace {

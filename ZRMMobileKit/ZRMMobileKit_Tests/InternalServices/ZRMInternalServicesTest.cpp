@@ -146,6 +146,9 @@ TEST_F(ZRMInternalServicesTest, PendingEventsOfAllServicesAreAdded) {
     first_->pendingEvents = 2;
     second_->pendingEvents = 3;
     EXPECT_EQ(services().pendingEventCount(), 5u);
+    first_->unstoredEvents = 1;
+    second_->unstoredEvents = 2;
+    EXPECT_EQ(services().unstoredEventCount(), 3u);
 }
 
 TEST_F(ZRMInternalServicesTest, EmptyListSucceedsOnTheMainQueue) {

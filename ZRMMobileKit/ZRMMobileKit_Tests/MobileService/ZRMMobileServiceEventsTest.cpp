@@ -258,7 +258,10 @@ TEST_F(ZRMMobileServiceEvents, DeviceTagIsAbsentBeforeActivationAndJoinsBothTags
 
 TEST_F(ZRMMobileServiceEvents, PendingEventsAreNoneBeforeActivation) {
     first_->pendingEvents = 3;
+    first_->unstoredEvents = 2;
     EXPECT_EQ(service().pendingEventCount(), 0u);
+    EXPECT_EQ(service().unstoredEventCount(), 0u);
     activate();
     EXPECT_EQ(service().pendingEventCount(), 3u);
+    EXPECT_EQ(service().unstoredEventCount(), 2u);
 }

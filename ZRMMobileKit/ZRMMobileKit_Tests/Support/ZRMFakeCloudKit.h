@@ -17,6 +17,7 @@ class ZRMFakeCloudKit final : public ZRMCloudKit {
     std::string secureTag;
     std::size_t pendingEvents = 0;
     bool started = false;
+    std::size_t unstoredEvents = 0;
 
     void start() override {
         calls.emplace_back("start");
@@ -26,6 +27,7 @@ class ZRMFakeCloudKit final : public ZRMCloudKit {
     [[nodiscard]] std::string deviceTag() const override { return tag; }
     [[nodiscard]] std::string secureDeviceTag() const override { return secureTag; }
     [[nodiscard]] std::size_t pendingEventCount() const override { return pendingEvents; }
+    [[nodiscard]] std::size_t unstoredEventCount() const override { return unstoredEvents; }
 
     void sendUserLogin(const std::string& userName, const std::string& result,
                        const std::string& userId) override {

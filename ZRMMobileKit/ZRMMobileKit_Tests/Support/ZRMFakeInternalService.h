@@ -17,6 +17,7 @@ class ZRMFakeInternalService : public ZRMInternalService {
     bool running = false;
     bool holdsBack = false;
     std::size_t pendingEvents = 0;
+    std::size_t unstoredEvents = 0;
     std::vector<std::string> calls;
 
     void activateWithCompletionHandler(const CompletionHandler& completionHandler) override {
@@ -45,6 +46,7 @@ class ZRMFakeInternalService : public ZRMInternalService {
         answer(completionHandler, afterStartError);
     }
     [[nodiscard]] std::size_t pendingEventCount() const override { return pendingEvents; }
+    [[nodiscard]] std::size_t unstoredEventCount() const override { return unstoredEvents; }
 
     // Gives the answers held back so far.
     void giveAnswers() {

@@ -114,6 +114,11 @@ class ZRM_EXPORT ZRMMobileService {
     // earlier runs of the application and the library's own included; 0 before activation.
     [[nodiscard]] std::size_t pendingEventCount() const;
 
+    // How many of them are still on their way into the device's store, which takes milliseconds. An
+    // application that ends itself waits for 0; what it leaves behind then goes out at its next
+    // start.
+    [[nodiscard]] std::size_t unstoredEventCount() const;
+
     // kZRMMobileKitVersion.
     [[nodiscard]] std::string version() const;
 

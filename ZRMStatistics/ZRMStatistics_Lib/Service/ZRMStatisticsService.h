@@ -24,4 +24,8 @@ class ZRMStatisticsService {
     // the store included. Counts an event from before send() returns until its record is deleted,
     // so 0 means that nothing is on its way. 0 before start().
     [[nodiscard]] virtual std::size_t pendingEventCount() const = 0;
+
+    // How many of them are still on their way into the store, and would be lost if the process
+    // ended now. Events that were dropped, or that are uploaded without a store, do not count.
+    [[nodiscard]] virtual std::size_t unstoredEventCount() const = 0;
 };

@@ -137,6 +137,11 @@ std::size_t ZRMStatisticsServiceImpl::pendingEventCount() const {
     return isStarted() && count > 0 ? static_cast<std::size_t>(count) : 0;
 }
 
+std::size_t ZRMStatisticsServiceImpl::unstoredEventCount() const {
+    const auto unstored = unstored_->load();
+    return storage_ && unstored > 0 ? static_cast<std::size_t>(unstored) : 0;
+}
+
 bool ZRMStatisticsServiceImpl::isStarted() const {
     const std::lock_guard lock(mutex_);
     return isStarted_;

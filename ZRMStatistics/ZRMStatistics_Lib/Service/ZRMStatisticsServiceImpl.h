@@ -42,6 +42,7 @@ class ZRMStatisticsServiceImpl final
     void stop() override;
     void send(const ZRMStatisticsEvent& event, std::int16_t priority) override;
     [[nodiscard]] std::size_t pendingEventCount() const override;
+    [[nodiscard]] std::size_t unstoredEventCount() const override;
 
     // Null while stopped, and without a storage.
     [[nodiscard]] std::shared_ptr<ZRMStatisticsDataSource> dataSource() const;

@@ -365,13 +365,26 @@ TEST_F(ZRMStatisticsServiceTest, CountsEventsUntilTheyAreDeleted) {
     EXPECT_EQ(service_->pendingEventCount(), 0U);
 }
 
+TEST_F(ZRMStatisticsServiceTest, CountsEventsAsUnstoredUntilTheyAreInTheStore) {
+    start();
+    EXPECT_EQ(service_->unstoredEventCount(), 0U);
+    send("first");
+    send("second");
+    EXPECT_EQ(service_->unstoredEventCount(), 2U);
+    device_.runUntilIdle();
+    EXPECT_EQ(service_->unstoredEventCount(), 0U);
+    EXPECT_EQ(service_->pendingEventCount(), 2U);
+}
+
 TEST_F(ZRMStatisticsServiceTest, CountsNoEventThatCouldNotBeStored) {
     start();
     device_.disk().faults().add({ZRMSimulatedDiskOperation::Write, "*-wal"});
     send("event");
     EXPECT_EQ(service_->pendingEventCount(), 1U);
+    EXPECT_EQ(service_->unstoredEventCount(), 1U);
     device_.runUntilIdle();
     EXPECT_EQ(service_->pendingEventCount(), 0U);
+    EXPECT_EQ(service_->unstoredEventCount(), 0U);
 }
 
 TEST_F(ZRMStatisticsServiceTest, CountsUploadsUnderWayWithoutAStorage) {
@@ -379,6 +392,7 @@ TEST_F(ZRMStatisticsServiceTest, CountsUploadsUnderWayWithoutAStorage) {
     service_->start();
     send("event");
     EXPECT_EQ(service_->pendingEventCount(), 1U);
+    EXPECT_EQ(service_->unstoredEventCount(), 0U);
     sender_->answer(0);
     EXPECT_EQ(service_->pendingEventCount(), 0U);
 }

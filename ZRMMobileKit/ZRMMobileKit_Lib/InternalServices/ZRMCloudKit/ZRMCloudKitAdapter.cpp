@@ -156,6 +156,11 @@ std::size_t ZRMCloudKitAdapter::pendingEventCount() const {
     return core ? core->pendingEventCount() : 0;
 }
 
+std::size_t ZRMCloudKitAdapter::unstoredEventCount() const {
+    const auto core = cloudKit();
+    return core ? core->unstoredEventCount() : 0;
+}
+
 std::string ZRMCloudKitAdapter::deviceTag() const {
     const auto core = cloudKit();
     return core ? core->deviceTag() : std::string();

@@ -55,6 +55,7 @@ class ZRMCloudKitAdapter final : public ZRMInternalService, public ZRMDeviceTagP
     void performAfterStartActionsWithCompletionHandler(
         const CompletionHandler& completionHandler) override;
     [[nodiscard]] std::size_t pendingEventCount() const override;
+    [[nodiscard]] std::size_t unstoredEventCount() const override;
     void stopWithCompletionHandler(const CompletionHandler& completionHandler);
 
     [[nodiscard]] std::string deviceTag() const override;
