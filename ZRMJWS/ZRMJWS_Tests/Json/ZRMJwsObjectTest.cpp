@@ -1,3 +1,4 @@
+#include <boost/json/parse.hpp>
 #include <gtest/gtest.h>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Json/ZRMJsonText.h"

@@ -1,3 +1,4 @@
+#include <boost/json/parse.hpp>
 #include <gtest/gtest.h>
 
 #include "ZRMCoreKit/ZRMCoreKit_Tests/Support/ZRMRecordedLog.h"

@@ -1,6 +1,7 @@
 // An RSA key of OpenSSL's, to hold the library's signatures against another implementation.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <stdexcept>
 
@@ -14,9 +15,7 @@
 class ZRMOpenSslKey {
   public:
     // A new random key.
-    explicit ZRMOpenSslKey(unsigned bits = 2048) : key_(EVP_RSA_gen(bits), EVP_PKEY_free) {
-        check(key_ != nullptr);
-    }
+    ZRMOpenSslKey() : key_(EVP_RSA_gen(kBits), EVP_PKEY_free) { check(key_ != nullptr); }
 
     // PKCS#8 PrivateKeyInfo.
     [[nodiscard]] ZRMData privateKeyDer() const {
@@ -56,6 +55,7 @@ class ZRMOpenSslKey {
     }
 
   private:
+    static constexpr unsigned kBits = 2048;
     using Context = std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)>;
 
     static void check(bool good) {
