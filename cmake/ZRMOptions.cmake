@@ -42,9 +42,9 @@ target_include_directories(zrm_options INTERFACE "${PROJECT_SOURCE_DIR}")
 # Line tables are enough for backtraces and keep debug links quick.
 set(CMAKE_CXX_FLAGS_DEBUG "-g1 -O0 -D_GLIBCXX_ASSERTIONS")
 
-if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
-  add_link_options(-fuse-ld=lld)
-endif()
+# It looks for a symbol in every library, whatever their order: the default platform that the ports
+# name lies in a library that comes before them.
+add_link_options(-fuse-ld=lld)
 if(ZRM_SANITIZE)
   add_compile_options(-fsanitize=${ZRM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${ZRM_SANITIZE})
