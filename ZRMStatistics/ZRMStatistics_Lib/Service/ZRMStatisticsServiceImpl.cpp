@@ -189,19 +189,33 @@ void ZRMStatisticsServiceImpl::deleteOldStatistics(const std::vector<Data>& stat
 void ZRMStatisticsServiceImpl::dataSourceDidInsertStatisticsData(
     ZRMStatisticsDataSource& dataSource, const Data& data) {
     zrm_logVerbose(this, [&] { return contentText("Did save", data->identity(), data->length()); });
-    addBlock([weak = weak_from_this(), reporter = &dataSource, data] {
+    {
+        const std::lock_guard lock(insertionsMutex_);
+        insertions_.push_back({&dataSource, data});
+        if (insertions_.size() > 1) {
+            return;
+        }
+    }
+    // One block for all that is inserted until it runs.
+    addBlock([weak = weak_from_this()] {
         if (const auto self = weak.lock()) {
-            self->sendInsertedData(reporter, data);
+            self->sendInsertedStatistics();
         }
     });
 }
 
-void ZRMStatisticsServiceImpl::sendInsertedData(const ZRMStatisticsDataSource* reporter,
-                                                const Data& data) {
+void ZRMStatisticsServiceImpl::sendInsertedStatistics() {
+    std::vector<Insertion> insertions;
+    {
+        const std::lock_guard lock(insertionsMutex_);
+        insertions.swap(insertions_);
+    }
     const auto current = dataSource();
-    // A start since the insertion found the record in the store and has sent it.
-    if (!current || current.get() == reporter) {
-        sender_->sendStatisticsData(data);
+    for (const auto& [reporter, data] : insertions) {
+        // A start since the insertion found the record in the store and has sent it.
+        if (!current || current.get() == reporter) {
+            sender_->sendStatisticsData(data);
+        }
     }
 }
 

@@ -65,7 +65,7 @@ class ZRMStatisticsServiceImpl final
     void store(const ZRMSharedData& body, std::int16_t priority);
     void deleteOldStatistics(const std::vector<Data>& statistics);
     void deleteAllStatisticsFromStorageIfNeeded();
-    void sendInsertedData(const ZRMStatisticsDataSource* reporter, const Data& data);
+    void sendInsertedStatistics();
 
     void addStoreOperation(const std::shared_ptr<ZRMStatisticBaseOperation>& operation);
     void addBlock(std::function<void()> block);
@@ -85,6 +85,13 @@ class ZRMStatisticsServiceImpl final
     mutable std::mutex mutex_;  // guards these two; nothing is called with it held
     bool isStarted_ = false;
     std::shared_ptr<ZRMStatisticsDataSource> dataSource_;
+
+    struct Insertion {
+        const ZRMStatisticsDataSource* reporter;
+        Data data;
+    };
+    std::mutex insertionsMutex_;
+    std::vector<Insertion> insertions_;  // for which a block is on the queue
 
     std::mutex groupMutex_;                          // held while an operation enters the queue
     std::shared_ptr<ZRMStatisticsSaveGroup> group_;  // that the next store operation may join

@@ -7,6 +7,8 @@
 
 namespace {
 
+constexpr std::size_t kRecentlyInserted = 64;
+
 ZRMStatisticsTable::Row rowOf(const ZRMStatisticEntity& statistic) {
     return {statistic.objectIdentifier, statistic.storeTimestamp, statistic.lastTryTimestamp,
             statistic.activeDays,       statistic.priority,       statistic.jws->length()};
@@ -83,6 +85,7 @@ ZRMResult<ZRMStatisticEntity> ZRMStatisticsContext::insertObject(
         const auto data = std::make_shared<ZRMStoredStatisticsData>(
             dataSource_, record, bytes->size(), bytes, statistic.jws->identity());
         dataSource_->registry.add(data);
+        keepInMemoryForAWhile(data);
         changes_.push_back({ZRMStatisticsChangeKind::Insert, data});
         auto stored = statistic;
         stored.objectIdentifier = record;
@@ -160,6 +163,18 @@ void ZRMStatisticsContext::rollback() {
     if (std::exchange(isChanging_, false)) {
         // Some failures end the transaction by themselves; then there is nothing left to undo.
         static_cast<void>(coordinator_->database().tryExec("ROLLBACK"));
+    }
+}
+
+// A burst of events must not fill the memory with bytes that the store holds anyway.
+void ZRMStatisticsContext::keepInMemoryForAWhile(
+    const std::shared_ptr<ZRMStatisticsData>& inserted) {
+    recentlyInserted_.push_back(inserted);
+    if (recentlyInserted_.size() > kRecentlyInserted) {
+        if (const auto oldest = recentlyInserted_.front().lock()) {
+            oldest->turnIntoFault();
+        }
+        recentlyInserted_.pop_front();
     }
 }
 

@@ -1,6 +1,7 @@
 // The one way to the queue's records.
 #pragma once
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -46,7 +47,8 @@ class ZRMStatisticsContext final : public std::enable_shared_from_this<ZRMStatis
     void addObserver(const std::shared_ptr<ZRMStatisticsContextObserver>& observer);
     void removeObserver(const ZRMStatisticsContextObserver* observer);
 
-    // Gives the record back with its number, and with bytes that live in the store.
+    // Gives the record back with its number, and with bytes that live in the store. Those of the
+    // last records inserted stay in memory as well: they are about to be sent.
     ZRMResult<ZRMStatisticEntity> insertObject(const ZRMStatisticEntity& statistic);
     std::optional<ZRMError> updateObject(const ZRMStatisticEntity& statistic);
     // The bytes stay readable for whoever holds them.
@@ -67,6 +69,7 @@ class ZRMStatisticsContext final : public std::enable_shared_from_this<ZRMStatis
     template <class Work>
     auto guarded(Work work) -> ZRMResult<decltype(work())>;
     void beginChanges();
+    void keepInMemoryForAWhile(const std::shared_ptr<ZRMStatisticsData>& inserted);
     ZRMSharedData readBytes(std::int64_t record);
     std::shared_ptr<ZRMStatisticsData> dataOf(const ZRMStatisticsTable::Row& row);
     ZRMStatisticEntity entityOf(const ZRMStatisticsTable::Row& row);
@@ -79,4 +82,5 @@ class ZRMStatisticsContext final : public std::enable_shared_from_this<ZRMStatis
     ZRMStatisticsTable table_;
     bool isChanging_ = false;
     std::vector<ZRMStatisticsChange> changes_;
+    std::deque<std::weak_ptr<ZRMStatisticsData>> recentlyInserted_;
 };

@@ -174,6 +174,24 @@ TEST_F(ZRMStatisticsContextTest, BytesThatWereLetGoAreReadAgainFromTheStore) {
     EXPECT_EQ(statistic.jws->length(), 5U);
 }
 
+TEST_F(ZRMStatisticsContextTest, OnlyTheLastInsertedRecordsKeepTheirBytesInMemory) {
+    std::vector<std::weak_ptr<const ZRMData>> bytes;
+    std::vector<ZRMStatisticEntity> inserted;
+    for (int number = 0; number < 100; ++number) {
+        ZRMStatisticEntity statistic;
+        auto shared = zrm_sharedData(std::to_string(number));
+        bytes.push_back(shared);
+        statistic.jws = std::make_shared<ZRMStatisticsDataInMemory>(std::move(shared));
+        context_->performBlockAndWait([&] {
+            inserted.push_back(context_->insertObject(statistic).value());
+            EXPECT_EQ(context_->save(), std::nullopt);
+        });
+    }
+    EXPECT_TRUE(bytes.front().expired());
+    EXPECT_FALSE(bytes.back().expired());
+    EXPECT_EQ(zrm_textFromData(*inserted.front().jws->bytes()), "0");
+}
+
 TEST_F(ZRMStatisticsContextTest, BytesOfADeletedRecordStayReadableForWhoHoldsThem) {
     const auto statistic = insert(*context_, "event", 1);
     statistic.jws->turnIntoFault();

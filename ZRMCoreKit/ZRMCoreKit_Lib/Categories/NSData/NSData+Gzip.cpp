@@ -57,6 +57,8 @@ ZRMData zrm_gzipData(std::span<const std::uint8_t> data) {
     const auto written = stream.total_out;
     deflateEnd(&stream);
     buffer.resize(written);
+    // Queued events live long; the room for growth must not live with them.
+    buffer.shrink_to_fit();
     return buffer;
 }
 
