@@ -22,6 +22,7 @@ enum ZRMInspectErrorCode : int {
     ZRMInspectErrorNotJws = 2,    // a JWS object that no upload may be
     ZRMInspectErrorNotEvent = 3,  // the payload does not hold exactly one event
     ZRMInspectErrorNoStore = 4,   // there is no store
+    ZRMInspectErrorNotExecutable = 5,
 };
 
 ZRMError zrm_inspectError(ZRMInspectErrorCode code, const std::string& message);

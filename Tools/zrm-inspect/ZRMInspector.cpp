@@ -1,13 +1,17 @@
 #include "Tools/zrm-inspect/ZRMInspector.h"
 
 #include <algorithm>
+#include <functional>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <CLI/CLI.hpp>
 
 #include "Tools/zrm-inspect/ZRMInspection.h"
 #include "Tools/zrm-inspect/ZRMJwsInspection.h"
+#include "Tools/zrm-inspect/ZRMSignatureInspection.h"
 #include "Tools/zrm-inspect/ZRMStoreInspection.h"
 #include "Tools/zrm-inspect/ZRMTextInspections.h"
 #include "Tools/zrm-inspect/ZRMUploadInspection.h"
@@ -19,7 +23,7 @@ constexpr int kGood = 0;
 constexpr int kNotGood = 1;
 constexpr int kWrongUsage = 2;
 
-using Inspect = ZRMInspection (*)(const std::string&);
+using Inspect = std::function<ZRMInspection(const std::string&)>;
 
 struct Subcommand {
     CLI::App* app;
@@ -30,7 +34,7 @@ Subcommand add(CLI::App& parent, const char* name, const char* argument, const c
                Inspect inspect, std::string& value) {
     auto* app = parent.add_subcommand(name, meaning);
     app->add_option(argument, value)->required()->type_name("");
-    return {app, inspect};
+    return {app, std::move(inspect)};
 }
 
 std::vector<Subcommand> addSubcommands(CLI::App& app, std::string& value) {
@@ -46,6 +50,12 @@ std::vector<Subcommand> addSubcommands(CLI::App& app, std::string& value) {
             zrm_inspectServerDate, value),
         add(app, "http-url", "TEXT", "Whether the library takes a text for an HTTP URL",
             zrm_inspectHttpUrl, value)};
+    const auto infoPlist = std::make_shared<std::string>();
+    all.push_back(add(
+        app, "signature", "FILE", "The code signature of an executable file, each slice of it",
+        [infoPlist](const std::string& path) { return zrm_inspectSignature(path, *infoPlist); },
+        value));
+    all.back().app->add_option("--info-plist", *infoPlist, "The application's Info.plist");
     auto* base64Url = app.add_subcommand("base64url", "encode or decode a text");
     base64Url->require_subcommand(1);
     all.push_back(add(*base64Url, "encode", "TEXT", "The base64url of a text",
