@@ -162,13 +162,15 @@ void ZRMMobileServiceImpl::performAfterActivation(const std::optional<ZRMError>&
 }
 
 void ZRMMobileServiceImpl::startWithCompletionHandler(CompletionHandler completionHandler) {
+    // Weak: this service keeps the handler as long as its activation is under way. Without an error
+    // it is the service itself that calls, so it is there.
     activateWithCompletionHandler(
-        [self = shared_from_this(),
+        [weakSelf = weak_from_this(),
          completionHandler = std::move(completionHandler)](const std::optional<ZRMError>& error) {
             if (error) {
                 call(completionHandler, error);
             } else {
-                self->analyzeEnvironmentWithCompletionHandler(completionHandler);
+                weakSelf.lock()->analyzeEnvironmentWithCompletionHandler(completionHandler);
             }
         });
 }

@@ -21,6 +21,9 @@ class ZRMCloudKitAdapterTest : public testing::Test {
         }
     }
 
+    // A request that was not answered would keep the core that keeps it.
+    void TearDown() override { core().locationRequests.clear(); }
+
     // The adapter takes the settings as they are at its first use.
     ZRMCloudKitAdapter& adapter() {
         if (adapter_ == nullptr) {

@@ -306,6 +306,25 @@ TEST_F(ZRMMobileServiceStart, FailedAnalysisGoesToTheHandler) {
     EXPECT_TRUE(service().isActivated());
 }
 
+TEST_F(ZRMMobileServiceStart, OfAServiceThatIsGoneStillCallsTheHandlerOnce) {
+    ZRMHandlerRecord whileServicesActivate;
+    first_->holdsBack = true;
+    service().startWithCompletionHandler(whileServicesActivate.handler());
+    service_.reset();
+    first_->giveAnswers();
+    device_.runUntilIdle();
+    first_->giveAnswers();
+    device_.runUntilIdle();
+    EXPECT_TRUE(whileServicesActivate.succeededOnMain());
+
+    ZRMHandlerRecord beforeTheSettingsCome;
+    provider_->holdsBack = true;
+    service().startWithCompletionHandler(beforeTheSettingsCome.handler());
+    service_.reset();
+    provider_->giveAnswers();
+    EXPECT_EQ(beforeTheSettingsCome.code(), 3);
+}
+
 TEST_F(ZRMMobileServiceStart, OfAnActiveServiceOnlyAnalyzes) {
     activate();
     ZRMHandlerRecord record;

@@ -85,6 +85,10 @@ TEST_P(ZRMMobileServiceSend, DuringActivationReachesTheServicesByTheirOwnRunning
     device_.runUntilIdle();
     EXPECT_EQ(record.code(), 3);
     EXPECT_TRUE(record.onMainQueue());
+    EXPECT_EQ(activation.count(), 0u);
+    second_->giveAnswers();
+    device_.runUntilIdle();
+    EXPECT_TRUE(activation.succeededOnMain());
 }
 
 TEST_P(ZRMMobileServiceSend, ErrorOfAServiceGoesToTheHandlerOnTheMainQueue) {
