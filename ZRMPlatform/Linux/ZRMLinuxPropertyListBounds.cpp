@@ -58,7 +58,8 @@ class BinaryWalk {
         return value;
     }
 
-    // The count in a marker's low half, or in the integer object that follows it.
+    // The count in a marker's low half, or in the integer object that follows it; `offset` moves
+    // behind it.
     std::uint64_t countAt(std::uint64_t& offset) const {
         const auto low = static_cast<std::uint64_t>(number(offset++, 1) & 0x0FU);
         if (low != 0x0F) {
@@ -79,18 +80,19 @@ class BinaryWalk {
             return false;
         }
         const auto kind = number(offset, 1) >> 4U;
+        const auto count = countAt(offset);
         switch (kind) {
             case 0x4:  // data
             case 0x5:  // ASCII
-                return spend(countAt(offset));
+                return spend(count);
             case 0x6:  // UTF-16
-                return spend(countAt(offset) * 2);
+                return spend(count * 2);
             case 0xA:
             case 0xB:
             case 0xC:
-                return children(countAt(offset), offset, depth);
+                return children(count, offset, depth);
             case 0xD:
-                return children(countAt(offset) * 2, offset, depth);
+                return children(count * 2, offset, depth);
             default:
                 return true;
         }

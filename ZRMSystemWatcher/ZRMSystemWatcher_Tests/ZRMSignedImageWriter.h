@@ -13,29 +13,29 @@ struct ZRMCodeDirectoryPlan {
     std::uint8_t hashType = 2;
     std::uint8_t pageSizeExponent = 12;
     // Where absent: as many pages as the code takes.
-    std::optional<std::uint32_t> slotCount;
+    std::optional<std::uint32_t> slotCount = std::nullopt;
     // Where absent: all of the code.
-    std::optional<std::uint32_t> codeLimit;
+    std::optional<std::uint32_t> codeLimit = std::nullopt;
 };
 
 // What the image is to be like; every field may lie.
 struct ZRMSignedImagePlan {
     bool is64Bit = true;
     bool isBigEndian = false;
-    std::optional<std::uint32_t> magic;
+    std::optional<std::uint32_t> magic = std::nullopt;
     std::uint32_t fileType = 2;
     std::uint32_t codeSize = 10000;  // header and commands included
-    std::optional<std::uint32_t> commandCount;
+    std::optional<std::uint32_t> commandCount = std::nullopt;
     std::uint32_t paddingCommandSize = 16;  // of the command before the signature's
     bool hasSignatureCommand = true;
-    std::optional<std::uint32_t> dataOffset;
+    std::optional<std::uint32_t> dataOffset = std::nullopt;
     std::uint32_t superBlobMagic = 0xfade0cc0;
-    std::optional<std::uint32_t> indexCount;
+    std::optional<std::uint32_t> indexCount = std::nullopt;
     std::vector<ZRMCodeDirectoryPlan> codeDirectories{{}};
     std::optional<ZRMData> requirements = ZRMData{'r', 'e', 'q'};
     std::optional<ZRMData> entitlements = ZRMData{'e', 'n', 't'};
     // Further blobs as magic and content.
-    std::vector<std::pair<std::uint32_t, ZRMData>> others;
+    std::vector<std::pair<std::uint32_t, ZRMData>> others{};
 };
 
 struct ZRMSignedImage {
