@@ -184,6 +184,13 @@ class EndToEndTest(unittest.TestCase):
     def start_host(self, port, **keywords):
         return self._watch(Host(self.place, port, **keywords))
 
+    def wait_until(self, condition, host):
+        """Looks at the condition again and again, the host waiting in between."""
+        end = time.monotonic() + LIMIT_SECONDS
+        while not condition():
+            self.assertLess(time.monotonic(), end, "the condition did not come true")
+            host.run("wait 0.02")
+
     def inspect(self, *arguments):
         """The inspector's exit status and report."""
         run = subprocess.run([TOOLS / "zrm-inspect/zrm-inspect", *map(str, arguments)], capture_output=True,

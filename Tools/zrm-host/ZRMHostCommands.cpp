@@ -103,9 +103,12 @@ ZRMHostAnswer session(ZRMHostContext& context, const Words& arguments) {
                   [&](const Handler& done) { context.service.sendSessionId(arguments[0], done); });
 }
 
+// The library takes the request, but no source of locations stands behind it.
 ZRMHostAnswer location(ZRMHostContext& context, const Words&) {
-    return await(
+    auto answer = await(
         [&](const Handler& done) { context.service.sendGeoLocationWithCompletionHandler(done); });
+    return answer.error ? answer
+                        : failed(ZRMHostErrorNotAvailable, "this version knows no locations");
 }
 
 ZRMHostAnswer tag(ZRMHostContext& context, const Words&) {
@@ -158,7 +161,8 @@ constexpr std::array kCommands{
     ZRMHostCommand{"navigate", 1, 1, "navigate POINT", "report a place in the application",
                    navigate},
     ZRMHostCommand{"session", 1, 1, "session ID", "report the session's identifier", session},
-    ZRMHostCommand{"location", 0, 0, "location", "ask for a report of the location", location},
+    ZRMHostCommand{"location", 0, 0, "location",
+                   "ask for a report of the location; not available in this version", location},
     ZRMHostCommand{"tag", 0, 0, "tag", "the device tag as \"value\"", tag},
     ZRMHostCommand{"version", 0, 0, "version", "the library's version as \"value\"", version},
     ZRMHostCommand{"signal", 1, kAny, "signal NAME [ARGS]",

@@ -38,8 +38,9 @@ class ZRMMobileServiceImpl;
 // A handler runs without any lock held: it may call the service, and it may let go of it. An
 // operation without a handler logs the error instead.
 //
-// "Without an error" means that the library took the report over: it is stored on the device and
-// uploaded as soon as the server can be reached, by a later run of the application if need be.
+// "Without an error" means that the library took the report over: it is stored on the device within
+// milliseconds (see unstoredEventCount()) and uploaded as soon as the server can be reached, by a
+// later run of the application if need be.
 //
 // Text is UTF-8. Text that is not valid UTF-8 is refused with the error of its argument. Lengths
 // are counted in UTF-16 code units.
