@@ -1,6 +1,7 @@
 // A device body under test, and the few things about it that tests cannot ask a port for.
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -16,10 +17,10 @@
 // What the body's HTTP server does with one request.
 struct ZRMContractAnswer {
     int status = 200;
-    std::vector<ZRMHttpHeaders::Field> headers;
-    std::string body;
-    bool isSilent = false;                      // never answers
-    std::optional<std::size_t> lostAfterBytes;  // the connection ends within the body
+    std::vector<ZRMHttpHeaders::Field> headers = {};
+    std::string body = {};
+    bool isSilent = false;                           // never answers
+    std::optional<std::size_t> lostAfterBytes = {};  // the connection ends within the body
 };
 
 // A request as the server saw it.
@@ -27,7 +28,7 @@ struct ZRMContractRequest {
     std::string method;
     std::string path;
     ZRMHttpHeaders headers;
-    std::string body;
+    std::string body = {};
 };
 
 class ZRMContractBody {

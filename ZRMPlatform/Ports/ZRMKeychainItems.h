@@ -18,7 +18,8 @@ enum ZRMKeychainStatus : std::int32_t {
 
 enum class ZRMKeychainItemClass { GenericPassword };
 
-// When an item may be read. An item is found only by a query of the accessibility it was added with.
+// When an item may be read. An item is found only by a query of the accessibility it was added
+// with.
 enum class ZRMKeychainAccessibility { AlwaysThisDeviceOnly, WhenUnlocked };
 
 struct ZRMKeychainQuery {
@@ -26,7 +27,7 @@ struct ZRMKeychainQuery {
     ZRMKeychainAccessibility accessibility = ZRMKeychainAccessibility::AlwaysThisDeviceOnly;
     std::string account;
     // A query without a group matches items of every group; an item added without one has none.
-    std::optional<std::string> accessGroup;
+    std::optional<std::string> accessGroup = {};
 
     friend bool operator==(const ZRMKeychainQuery&, const ZRMKeychainQuery&) = default;
 };

@@ -1,5 +1,7 @@
 #include "ZRMPlatform/Simulated/ZRMSimulatedDiskFaults.h"
 
+#include <cstddef>
+
 void ZRMSimulatedDiskFaults::failOperation(std::uint64_t number, int errorNumber) {
     numbered_.push_back({number, errorNumber});
 }

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 enum class ZRMSimulatedDiskOperation {
@@ -26,7 +27,7 @@ enum class ZRMSimulatedDiskOperation {
 // A rule: operations that match it fail.
 struct ZRMSimulatedDiskFault {
     // Any operation when absent.
-    std::optional<ZRMSimulatedDiskOperation> operation;
+    std::optional<ZRMSimulatedDiskOperation> operation = {};
     // '*' stands for any text, slashes included.
     std::string pathPattern = "*";
     int errorNumber = 5;  // EIO

@@ -2,6 +2,7 @@
 
 #include <bit>
 #include <cerrno>
+#include <cstddef>
 #include <optional>
 #include <span>
 #include <string_view>

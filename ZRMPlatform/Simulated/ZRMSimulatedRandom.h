@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <random>
 #include <span>
+#include <utility>
 
 #include "ZRMPlatform/Ports/Values/ZRMData.h"
 #include "ZRMPlatform/Ports/ZRMRandom.h"

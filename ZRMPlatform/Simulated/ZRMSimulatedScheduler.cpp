@@ -1,6 +1,8 @@
 #include "ZRMPlatform/Simulated/ZRMSimulatedScheduler.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
 #include <limits>
 #include <utility>
 

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <random>
+#include <utility>
 #include <vector>
 
 #include "ZRMPlatform/Ports/ZRMQueue.h"

@@ -1,5 +1,7 @@
 #include "ZRMPlatform/Simulated/ZRMSimulatedSqliteLocks.h"
 
+#include <cstddef>
+
 #include <sqlite3.h>
 
 namespace {

@@ -33,13 +33,13 @@ class ZRMHttpHeaders {
 struct ZRMUrlRequest {
     std::string method = "GET";
     std::string url;  // absolute text
-    ZRMHttpHeaders headers;
-    ZRMSharedData body;  // absent means no body
+    ZRMHttpHeaders headers = {};
+    ZRMSharedData body = {};  // absent means no body
     double timeoutIntervalSeconds = 60;
     ZRMUrlRequestCachePolicy cachePolicy = ZRMUrlRequestCachePolicy::UseProtocolCachePolicy;
 };
 
 struct ZRMUrlResponse {
     int statusCode = 0;
-    ZRMHttpHeaders headers;
+    ZRMHttpHeaders headers = {};
 };
