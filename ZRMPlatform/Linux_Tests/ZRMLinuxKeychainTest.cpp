@@ -1,11 +1,14 @@
+#include <cstdlib>
 #include <filesystem>
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "ZRMPlatform/Linux/ZRMLinuxKeychainFile.h"
 #include "ZRMPlatform/Linux/ZRMLinuxKeychainItems.h"
+#include "ZRMPlatform/Linux/ZRMLinuxSecretService.h"
 #include "ZRMPlatform/Linux_Tests/ZRMStubs.h"
 #include "ZRMPlatform/Linux_Tests/ZRMTestDirectory.h"
 
@@ -185,4 +188,35 @@ TEST_F(ZRMLinuxKeychainFileTest, WhereNoServiceAnswersTheFileServes) {
     ZRMLinuxKeychainItems items([] { return nullptr; }, open());
     EXPECT_EQ(items.add(query("a"), zrm_dataFromText("one")), 0);
     EXPECT_EQ(valueOf(*open(), query("a")), "one");
+}
+
+namespace {
+
+// Exits with 0 when there is no service, and libsecret was loaded only if `mayLoad`.
+[[noreturn]] void exitWithoutService(const char* busAddress, const std::string& runtimeDirectory,
+                                     bool mayLoad) {
+    ::setenv("XDG_RUNTIME_DIR", runtimeDirectory.c_str(), 1);
+    if (busAddress == nullptr) {
+        ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
+    } else {
+        ::setenv("DBUS_SESSION_BUS_ADDRESS", busAddress, 1);
+    }
+    const bool hasService = zrm_connectSecretService() != nullptr;
+    const bool isLoaded = ::dlopen("libsecret-1.so.0", RTLD_LAZY | RTLD_NOLOAD) != nullptr;
+    ::_exit(!hasService && isLoaded == mayLoad ? 0 : 1);
+}
+
+}  // namespace
+
+TEST(ZRMLinuxSecretServiceDeathTest, WithoutASessionBusThereIsNoneAndNothingIsLoaded) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const ZRMTestDirectory empty;
+    EXPECT_EXIT(exitWithoutService(nullptr, empty.path(), false), testing::ExitedWithCode(0), "");
+}
+
+TEST(ZRMLinuxSecretServiceDeathTest, ABusOnWhichNobodyAnswersHasNone) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const ZRMTestDirectory empty;
+    EXPECT_EXIT(exitWithoutService("unix:path=/nonexistent/bus", empty.path(), true),
+                testing::ExitedWithCode(0), "");
 }
