@@ -33,7 +33,7 @@ bool isUsable(const std::string& path) {
 }
 
 ZRMError unusable(const std::string& path) {
-    return zrm_posixError(path.empty() ? ENOENT : EINVAL, path.c_str());
+    return zrm_posixError(path.empty() ? ENOENT : EINVAL, path.substr(0, path.find('\0')));
 }
 
 ZRMError lastError(const std::string& path) {

@@ -19,7 +19,7 @@ std::optional<std::string> zrm_environmentVariable(const std::string& name) {
 }
 
 std::optional<std::string> zrm_smallFileText(const std::string& path) {
-    constexpr std::size_t kMaximumBytes = 64U * 1024;
+    constexpr std::size_t kMaximumBytes = std::size_t{64} * 1024;
     const ZRMLinuxDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file.isOpen()) {
         return std::nullopt;

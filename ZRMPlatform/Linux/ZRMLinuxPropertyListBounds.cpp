@@ -7,10 +7,10 @@
 
 namespace {
 
-constexpr std::size_t kMaximumBytes = 4U * 1024 * 1024;
+constexpr std::size_t kMaximumBytes = std::size_t{4} * 1024 * 1024;
 constexpr std::size_t kMaximumContainers = 2000;
 constexpr std::size_t kMaximumNodes = 20000;
-constexpr std::uint64_t kMaximumExpandedBytes = 16U * 1024 * 1024;
+constexpr std::uint64_t kMaximumExpandedBytes = std::uint64_t{16} * 1024 * 1024;
 constexpr int kMaximumDepth = 100;
 
 constexpr std::string_view kBinaryMagic = "bplist";

@@ -42,7 +42,8 @@ std::optional<std::string> ZRMLinuxResourceBundles::pathForBundle(const std::str
         return std::nullopt;
     }
     for (const auto& directory : directories_) {
-        auto path = directory + "/" + name;
+        auto path = directory;
+        path.append("/").append(name);
         if (ZRMLinuxFileManager().directoryExists(path)) {
             return path;
         }

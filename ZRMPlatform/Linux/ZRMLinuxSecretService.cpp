@@ -23,6 +23,7 @@ struct Library {
     }
 
     bool isComplete = true;
+// NOLINTNEXTLINE(bugprone-macro-parentheses): the first use declares
 #define ZRM_FIND(name) decltype(&::name) name = find(decltype(&::name){}, #name)
     ZRM_FIND(secret_service_get_sync);
     ZRM_FIND(secret_service_search_sync);

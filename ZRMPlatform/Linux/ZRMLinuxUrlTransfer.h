@@ -44,8 +44,8 @@ class ZRMLinuxUrlTransfer {
     using Clock = std::chrono::steady_clock;
 
     // Bytes of a body, as decoded, and of a response's head.
-    static constexpr std::size_t kMaximumBodyBytes = 16U * 1024 * 1024;
-    static constexpr std::size_t kMaximumHeadBytes = 256U * 1024;
+    static constexpr std::size_t kMaximumBodyBytes = std::size_t{16} * 1024 * 1024;
+    static constexpr std::size_t kMaximumHeadBytes = std::size_t{256} * 1024;
 
     // Sets up the handle, which has to be fresh or reset and has to outlive the transfer.
     ZRMLinuxUrlTransfer(std::shared_ptr<ZRMLinuxUrlJob> job, CURL* handle);
