@@ -35,7 +35,7 @@ add_library(zrm_options INTERFACE)
 # gcc 12 sees overlaps and overflows in the growth of std::string and std::vector that are none.
 target_compile_options(zrm_options INTERFACE
   -Wall -Wextra -Wconversion -Wshadow -Wpedantic -Werror
-  $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict -Wno-stringop-overflow>
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-missing-field-initializers -Wno-restrict -Wno-stringop-overflow>
   $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety -Xclang -fno-pch-timestamp>)
 target_include_directories(zrm_options INTERFACE "${PROJECT_SOURCE_DIR}")
 

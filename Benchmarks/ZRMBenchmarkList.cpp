@@ -1,0 +1,9 @@
+#include "Benchmarks/ZRMBenchmark.h"
+#include "Benchmarks/ZRMCodeSignatureBenchmark.h"
+
+std::vector<ZRMBenchmark> zrm_benchmarks() {
+    return {
+        {"code-signature", zrm_measureCodeSignature},
+        {"loaded-images", zrm_measureLoadedImages},
+    };
+}

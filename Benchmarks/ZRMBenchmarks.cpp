@@ -1,0 +1,78 @@
+// Runs the benchmarks and prints their figures as a table, and as JSON where asked.
+#include <cstdio>
+#include <exception>
+#include <fstream>
+#include <iostream>
+
+#include <CLI/CLI.hpp>
+
+#include "Benchmarks/ZRMBenchmark.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Json/ZRMJsonText.h"
+
+namespace {
+
+constexpr int kAllMet = 0;
+constexpr int kSomeNotMet = 1;
+
+const char* signOf(const ZRMFigure& figure) {
+    return figure.must == ZRMFigure::Must::BeAtMost ? "<=" : ">=";
+}
+
+void print(const ZRMFigure& figure) {
+    std::printf("  %-68s %12.3f %-8s %s %-9.3f %s\n", figure.name.c_str(), figure.value,
+                figure.unit.c_str(), signOf(figure), figure.target,
+                figure.isMet() ? "met" : "NOT MET");
+    std::fflush(stdout);
+}
+
+ZRMDictionary written(const ZRMFigure& figure) {
+    return {{"name", figure.name},
+            {"value", figure.value},
+            {"unit", figure.unit},
+            {"target", std::string(signOf(figure)) + " " + std::to_string(figure.target)},
+            {"met", figure.isMet()}};
+}
+
+bool write(const std::string& path, const ZRMJsonArray& figures) {
+    const auto text = zrm_compactJsonText(figures);
+    std::ofstream file(path);
+    file << (text ? text.value() : "[]") << '\n';
+    return file.good();
+}
+
+int run(const std::string& only, const std::string& jsonPath) {
+    ZRMJsonArray all;
+    bool areAllMet = true;
+    for (const auto& benchmark : zrm_benchmarks()) {
+        if (!only.empty() && only != benchmark.name) {
+            continue;
+        }
+        for (const auto& figure : benchmark.measure()) {
+            print(figure);
+            all.push_back(written(figure));
+            areAllMet = areAllMet && figure.isMet();
+        }
+    }
+    if (!jsonPath.empty() && !write(jsonPath, all)) {
+        std::cerr << "zrm-bench: cannot write " << jsonPath << '\n';
+        return kSomeNotMet;
+    }
+    return areAllMet ? kAllMet : kSomeNotMet;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CLI::App app{"Measures ZRMMobileKit.", "zrm-bench"};
+    std::string only;
+    std::string jsonPath;
+    app.add_option("--only", only, "The name of one benchmark");
+    app.add_option("--json", jsonPath, "Writes the figures to this file as well");
+    CLI11_PARSE(app, argc, argv);
+    try {
+        return run(only, jsonPath);
+    } catch (const std::exception& failure) {
+        std::cerr << "zrm-bench: " << failure.what() << '\n';
+        return kSomeNotMet;
+    }
+}
