@@ -15,6 +15,7 @@ class ZRMDeviceContract : public ZRMContract {};
 TEST_P(ZRMDeviceContract, EveryPortIsPresent) {
     const auto& body = *platform();
     EXPECT_TRUE(body.executor && body.clock && body.urlSessions && body.digests && body.rsaKeys);
+    EXPECT_TRUE(body.trust);
     EXPECT_TRUE(body.fileManager && body.directories && body.userDefaults && body.keyedArchiver);
     EXPECT_TRUE(body.keychainItems && body.mainBundle && body.resourceBundles);
     EXPECT_TRUE(body.reachabilityTargets && body.device && body.linkLayer && body.locale);

@@ -21,6 +21,7 @@
 #include "ZRMPlatform/Linux/ZRMLinuxResourceBundles.h"
 #include "ZRMPlatform/Linux/ZRMLinuxRsaKeys.h"
 #include "ZRMPlatform/Linux/ZRMLinuxSecretService.h"
+#include "ZRMPlatform/Linux/ZRMLinuxTrust.h"
 #include "ZRMPlatform/Linux/ZRMLinuxUrlSession.h"
 #include "ZRMPlatform/Linux/ZRMLinuxUserDefaults.h"
 
@@ -42,6 +43,8 @@ void addNetwork(ZRMPlatform& platform, const ZRMLinuxPlatformOptions& options) {
     const auto overrides = zrm_parseResolveOverrides(options.resolveOverrides);
     platform.urlSessions = std::make_shared<ZRMLinuxUrlSessionFactory>(
         platform.executor, options.certificateAuthorityFile, overrides, routes);
+    platform.trust =
+        std::make_shared<ZRMLinuxTrust>(platform.executor, platform.clock, platform.urlSessions);
     platform.reachabilityTargets = std::make_shared<ZRMLinuxReachabilityTargets>(
         routes, ZRMLinuxKernelRouteChanges::shared(), ZRMLinuxInterfaces(), overrides);
     platform.linkLayer = std::make_shared<ZRMLinuxLinkLayer>(ZRMLinuxInterfaces());

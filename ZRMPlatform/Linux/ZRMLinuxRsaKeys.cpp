@@ -103,3 +103,10 @@ std::shared_ptr<ZRMRsaKey> ZRMLinuxRsaKeys::privateKeyFromDer(const ZRMData& der
     Key key(info ? EVP_PKCS82PKEY(info.get()) : nullptr, &EVP_PKEY_free);
     return wrapped(std::move(key), end, der, true);
 }
+
+std::shared_ptr<ZRMRsaKey> zrm_publicRsaKey(EVP_PKEY* key) {
+    if (key == nullptr || EVP_PKEY_get_base_id(key) != EVP_PKEY_RSA || EVP_PKEY_up_ref(key) != 1) {
+        return nullptr;
+    }
+    return std::make_shared<RsaKey>(Key(key, &EVP_PKEY_free), false);
+}

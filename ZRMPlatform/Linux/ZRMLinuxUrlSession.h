@@ -16,7 +16,7 @@ struct ZRMLinuxUrlTrust;
 // sessions. Completions run on the executor's concurrent queue, so a slow one holds up no transfer.
 //
 // HTTP/1.1. No header is added beyond Host and Content-Length. At most 5 redirects are followed,
-// from https to https only. A body above 16 MiB, as decoded, ends the exchange. Gzip and deflate
+// from https to https only. The bound on a body is on its bytes as decoded. Gzip and deflate
 // are decoded when the request's Accept-Encoding is set. Nothing is cached, whatever the policy. A
 // proxy that the environment names (https_proxy and so on) is used.
 class ZRMLinuxUrlSessionFactory : public ZRMUrlSessionFactory {

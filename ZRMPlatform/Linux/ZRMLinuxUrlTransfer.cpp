@@ -210,7 +210,7 @@ bool ZRMLinuxUrlTransfer::takeHeadLine(std::string_view line) {
 
 bool ZRMLinuxUrlTransfer::takeBody(std::string_view bytes) {
     lastProgress_ = Clock::now();
-    if (bytes.size() > kMaximumBodyBytes - exchange_.data.size()) {
+    if (bytes.size() > job_->request.maximumResponseBytes - exchange_.data.size()) {
         refusal_ = ZRMUrlErrorDataLengthExceedsMaximum;
         return false;
     }

@@ -43,8 +43,7 @@ class ZRMLinuxUrlTransfer {
   public:
     using Clock = std::chrono::steady_clock;
 
-    // Bytes of a body, as decoded, and of a response's head.
-    static constexpr std::size_t kMaximumBodyBytes = std::size_t{16} * 1024 * 1024;
+    // Bytes of a response's head.
     static constexpr std::size_t kMaximumHeadBytes = std::size_t{256} * 1024;
 
     // Sets up the handle, which has to be fresh or reset and has to outlive the transfer.

@@ -21,6 +21,7 @@ TEST(ZRMLinuxPlatform, EveryPortIsPresent) {
     EXPECT_TRUE(platform->urlSessions);
     EXPECT_TRUE(platform->digests);
     EXPECT_TRUE(platform->rsaKeys);
+    EXPECT_TRUE(platform->trust);
     EXPECT_TRUE(platform->fileManager);
     EXPECT_TRUE(platform->directories);
     EXPECT_TRUE(platform->userDefaults);

@@ -20,6 +20,7 @@
 #include "ZRMPlatform/Ports/ZRMRandom.h"
 #include "ZRMPlatform/Ports/ZRMReachabilityTarget.h"
 #include "ZRMPlatform/Ports/ZRMRsaKeys.h"
+#include "ZRMPlatform/Ports/ZRMTrust.h"
 #include "ZRMPlatform/Ports/ZRMUrlSession.h"
 #include "ZRMPlatform/Ports/ZRMUserDefaults.h"
 
@@ -30,6 +31,7 @@ struct ZRMPlatform {
     std::shared_ptr<ZRMUrlSessionFactory> urlSessions;
     std::shared_ptr<ZRMDigests> digests;
     std::shared_ptr<ZRMRsaKeys> rsaKeys;
+    std::shared_ptr<ZRMTrust> trust;
     std::shared_ptr<ZRMFileManager> fileManager;
     std::shared_ptr<ZRMDirectories> directories;
     std::shared_ptr<ZRMUserDefaults> userDefaults;

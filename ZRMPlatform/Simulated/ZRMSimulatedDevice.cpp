@@ -16,6 +16,7 @@ ZRMSimulatedDevice::ZRMSimulatedDevice()
       clock_(std::make_shared<ZRMSimulatedClock>(time_)),
       digests_(std::make_shared<ZRMSimulatedDigests>()),
       rsaKeys_(std::make_shared<ZRMSimulatedRsaKeys>()),
+      trust_(std::make_shared<ZRMSimulatedTrust>()),
       keyedArchiver_(std::make_shared<ZRMSimulatedKeyedArchiver>()),
       mainBundle_(std::make_shared<ZRMSimulatedMainBundle>()),
       resourceBundles_(std::make_shared<ZRMSimulatedResourceBundles>(disk_)),
@@ -42,6 +43,7 @@ void ZRMSimulatedDevice::startProcess() {
     urlOpener_ = std::make_shared<ZRMSimulatedUrlOpener>(executor_->mainQueue());
     sqliteFiles_ = std::make_unique<ZRMSimulatedSqliteFiles>(disk_, process_, time_, random_);
     platform_ = makePlatform();
+    trust_->processStarted(platform_);
     setSchedulingSeed(seed_);
     if (installed_) {
         ZRMPlatform::install(platform_);
@@ -62,6 +64,7 @@ std::shared_ptr<ZRMPlatform> ZRMSimulatedDevice::makePlatform() {
     platform->urlSessions = std::make_shared<ZRMSimulatedUrlSessionFactory>(network_, process_);
     platform->digests = digests_;
     platform->rsaKeys = rsaKeys_;
+    platform->trust = trust_;
     platform->fileManager = std::make_shared<ZRMSimulatedFileManager>(disk_, process_);
     platform->directories = std::make_shared<ZRMSimulatedDirectories>(sqliteFiles_->name());
     platform->consoleLog = std::make_shared<ZRMSimulatedConsoleLog>(console_, process_);

@@ -27,6 +27,7 @@
 #include "ZRMPlatform/Simulated/ZRMSimulatedRsaKeys.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedSqliteFiles.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedTime.h"
+#include "ZRMPlatform/Simulated/ZRMSimulatedTrust.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedUserDefaults.h"
 
 // The device and the application's process on it. Everything happens in the calling thread, and
@@ -93,6 +94,7 @@ class ZRMSimulatedDevice {
     [[nodiscard]] ZRMSimulatedRandom& random() { return *random_; }
     [[nodiscard]] ZRMSimulatedDigests& digests() { return *digests_; }
     [[nodiscard]] ZRMSimulatedRsaKeys& rsaKeys() { return *rsaKeys_; }
+    [[nodiscard]] ZRMSimulatedTrust& trust() { return *trust_; }
     [[nodiscard]] ZRMSimulatedKeyedArchiver& keyedArchiver() { return *keyedArchiver_; }
     [[nodiscard]] ZRMSimulatedMainBundle& mainBundle() { return *mainBundle_; }
     [[nodiscard]] ZRMSimulatedResourceBundles& resourceBundles() { return *resourceBundles_; }
@@ -130,6 +132,7 @@ class ZRMSimulatedDevice {
     std::shared_ptr<ZRMSimulatedClock> clock_;
     std::shared_ptr<ZRMSimulatedDigests> digests_;
     std::shared_ptr<ZRMSimulatedRsaKeys> rsaKeys_;
+    std::shared_ptr<ZRMSimulatedTrust> trust_;
     std::shared_ptr<ZRMSimulatedKeyedArchiver> keyedArchiver_;
     std::shared_ptr<ZRMSimulatedMainBundle> mainBundle_;
     std::shared_ptr<ZRMSimulatedResourceBundles> resourceBundles_;

@@ -95,7 +95,12 @@ ZRMSimulatedAnswer ZRMSimulatedUrlSession::answerTo(const ZRMUrlRequest& request
     if (const auto refusal = refusalOfUrl(request.url)) {
         return ZRMSimulatedAnswer::withError(*refusal);
     }
-    return network_->receive(request, configuration_);
+    auto answer = network_->receive(request, configuration_);
+    if (answer.body.size() > request.maximumResponseBytes) {
+        return ZRMSimulatedAnswer::withError(ZRMUrlErrorDataLengthExceedsMaximum)
+            .after(answer.delaySeconds);
+    }
+    return answer;
 }
 
 void ZRMSimulatedUrlSession::start(const ZRMUrlRequest& request, Completion completion) {

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -52,12 +54,14 @@ class ZRMJwsSignatureVerifyRS256Operation final : public ZRMErrorProneOperation 
     void verifyWithX5C(const ZRMJsonValue& x5c);
     void verifyWithX5U(const std::string& url);
     void downloadEnded(const ZRMUrlRequestOperation& download);
-    // The pinned certificates behind the delivered ones; result 2 where one cannot be read.
-    void verifyWithDelivered(Certificates delivered, bool logsCount);
-    void copyPublicKeyFromCertificateChain(Certificates chain, std::size_t deliveredCount);
-    void verifyWithKey(std::shared_ptr<const ZRMRsaKey> key);
+    // The pinned certificates behind the delivered ones. Where one cannot be read, finishes with
+    // result 2 and yields nothing.
+    [[nodiscard]] std::optional<Certificates> withPinnedCertificates(Certificates delivered);
+    void copyPublicKeyFromCertificateChain(const Certificates& chain, std::size_t deliveredCount);
+    void trustEvaluated(const ZRMTrustEvaluation& evaluation);
+    void verifyWithKey(const std::shared_ptr<const ZRMRsaKey>& key);
     void finishWithResult(ZRMJwsVerifyResult result, std::optional<ZRMError> error = std::nullopt);
-    [[nodiscard]] std::shared_ptr<ZRMJwsSignatureVerifyRS256Operation> self();
+    [[nodiscard]] std::weak_ptr<ZRMJwsSignatureVerifyRS256Operation> weakSelf();
 
     const std::shared_ptr<const ZRMPlatform> platform_;
     const ZRMJwsSignature jwsSignature_;

@@ -1,6 +1,7 @@
 // One HTTP request and its response, as plain values.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -37,6 +38,8 @@ struct ZRMUrlRequest {
     ZRMSharedData body = {};  // absent means no body
     double timeoutIntervalSeconds = 60;
     ZRMUrlRequestCachePolicy cachePolicy = ZRMUrlRequestCachePolicy::UseProtocolCachePolicy;
+    // A longer body ends the exchange with ZRMUrlErrorDataLengthExceedsMaximum.
+    std::size_t maximumResponseBytes = std::size_t{16} * 1024 * 1024;
 };
 
 struct ZRMUrlResponse {
