@@ -80,8 +80,8 @@ void ZRMMobileServiceImpl::activateWithCompletionHandler(CompletionHandler compl
         call(activation->front(), std::nullopt);
         return;
     }
-    prepareForStart([weakSelf = weak_from_this(), activation](ZRMMobileServiceSettings settings,
-                                                              std::optional<ZRMError> error) {
+    prepareForStart([weakSelf = weak_from_this(), activation](
+                        ZRMMobileServiceSettings settings, const std::optional<ZRMError>& error) {
         const auto self = weakSelf.lock();
         if (self == nullptr) {
             // Nobody else can reach the handlers any more.
@@ -105,9 +105,8 @@ std::optional<ZRMError> ZRMMobileServiceImpl::checkConfiguration() const {
     return std::nullopt;
 }
 
-void ZRMMobileServiceImpl::prepareForStart(
-    std::function<void(ZRMMobileServiceSettings, std::optional<ZRMError>)> continuation) {
-    settingsProvider_->provideSettings(std::move(continuation));
+void ZRMMobileServiceImpl::prepareForStart(const ZRMSettingsProvider::Callback& continuation) {
+    settingsProvider_->provideSettings(continuation);
 }
 
 void ZRMMobileServiceImpl::activateInternalServices(ZRMMobileServiceSettings settings,

@@ -8,7 +8,7 @@
 namespace {
 
 bool isExpired(std::optional<ZRMDate> creationDate, double keepInterval, ZRMDate now) {
-    return !creationDate || creationDate->addingSeconds(keepInterval) < now;
+    return !creationDate || now.secondsSince(*creationDate) > keepInterval;
 }
 
 }  // namespace

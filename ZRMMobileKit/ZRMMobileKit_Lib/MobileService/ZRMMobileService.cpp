@@ -82,25 +82,25 @@ void ZRMMobileService::analyzeEnvironmentWithCompletionHandler(
     impl->analyzeEnvironmentWithCompletionHandler(std::move(completionHandler));
 }
 
-void ZRMMobileService::sendLogin(std::optional<std::string> userId, ZRMLoginResult result) {
+void ZRMMobileService::sendLogin(const std::optional<std::string>& userId, ZRMLoginResult result) {
     logLogin(impl_.get(), "sendLogin:result:", std::nullopt, result, userId);
-    sendLogin(std::move(userId), result, loggingHandler(impl_));
+    sendLogin(userId, result, loggingHandler(impl_));
 }
 
-void ZRMMobileService::sendLogin(std::optional<std::string> userId, ZRMLoginResult result,
+void ZRMMobileService::sendLogin(const std::optional<std::string>& userId, ZRMLoginResult result,
                                  CompletionHandler completionHandler) {
     logLogin(impl_.get(), "sendLogin:result:completionHandler:", std::nullopt, result, userId);
-    sendLogin(std::move(userId), result, std::nullopt, std::move(completionHandler));
+    sendLogin(userId, result, std::nullopt, std::move(completionHandler));
 }
 
-void ZRMMobileService::sendLogin(std::optional<std::string> userId, ZRMLoginResult result,
-                                 std::optional<std::string> userName) {
+void ZRMMobileService::sendLogin(const std::optional<std::string>& userId, ZRMLoginResult result,
+                                 const std::optional<std::string>& userName) {
     logLogin(impl_.get(), "sendLogin:result:userName:", userName, result, userId);
-    sendLogin(std::move(userId), result, std::move(userName), loggingHandler(impl_));
+    sendLogin(userId, result, userName, loggingHandler(impl_));
 }
 
-void ZRMMobileService::sendLogin(std::optional<std::string> userId, ZRMLoginResult result,
-                                 std::optional<std::string> userName,
+void ZRMMobileService::sendLogin(const std::optional<std::string>& userId, ZRMLoginResult result,
+                                 const std::optional<std::string>& userName,
                                  CompletionHandler completionHandler) {
     const auto impl = impl_;
     logLogin(impl.get(), "sendLogin:result:userName:completionHandler:", userName, result, userId);
@@ -118,24 +118,24 @@ void ZRMMobileService::sendLogoutWithCompletionHandler(CompletionHandler complet
     impl->sendLogout(std::move(completionHandler));
 }
 
-void ZRMMobileService::sendUINavigationEvent(std::optional<std::string> navigationPoint) {
+void ZRMMobileService::sendUINavigationEvent(const std::optional<std::string>& navigationPoint) {
     logOperation(impl_.get(), "sendUINavigationEvent:", {&navigationPoint});
-    sendUINavigationEvent(std::move(navigationPoint), loggingHandler(impl_));
+    sendUINavigationEvent(navigationPoint, loggingHandler(impl_));
 }
 
-void ZRMMobileService::sendUINavigationEvent(std::optional<std::string> navigationPoint,
+void ZRMMobileService::sendUINavigationEvent(const std::optional<std::string>& navigationPoint,
                                              CompletionHandler completionHandler) {
     const auto impl = impl_;
     logOperation(impl.get(), "sendUINavigationEvent:completionHandler:", {&navigationPoint});
     impl->sendUINavigationEvent(navigationPoint, std::move(completionHandler));
 }
 
-void ZRMMobileService::sendSessionId(std::optional<std::string> sessionId) {
+void ZRMMobileService::sendSessionId(const std::optional<std::string>& sessionId) {
     logOperation(impl_.get(), "sendSessionId:", {&sessionId});
-    sendSessionId(std::move(sessionId), loggingHandler(impl_));
+    sendSessionId(sessionId, loggingHandler(impl_));
 }
 
-void ZRMMobileService::sendSessionId(std::optional<std::string> sessionId,
+void ZRMMobileService::sendSessionId(const std::optional<std::string>& sessionId,
                                      CompletionHandler completionHandler) {
     const auto impl = impl_;
     logOperation(impl.get(), "sendSessionId:completionHandler:", {&sessionId});

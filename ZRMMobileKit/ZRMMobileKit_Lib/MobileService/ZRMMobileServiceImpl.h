@@ -62,8 +62,7 @@ class ZRMMobileServiceImpl : public std::enable_shared_from_this<ZRMMobileServic
     using Activation = std::shared_ptr<std::vector<CompletionHandler>>;
 
     [[nodiscard]] std::optional<ZRMError> checkConfiguration() const;
-    void prepareForStart(
-        std::function<void(ZRMMobileServiceSettings, std::optional<ZRMError>)> continuation);
+    void prepareForStart(const ZRMSettingsProvider::Callback& continuation);
     void activateInternalServices(ZRMMobileServiceSettings settings, const Activation& activation);
     // Ends the activation: whoever waits for it gets the error.
     void finishActivation(const Activation& activation, const std::optional<ZRMError>& error);

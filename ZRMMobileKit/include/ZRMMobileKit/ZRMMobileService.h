@@ -78,13 +78,13 @@ class ZRM_EXPORT ZRMMobileService {
     // Reports the outcome of a login. `userId` has 1 to 255 code units; `userName`, where there is
     // one, at most 255. Error 3: not activated; 9: an argument is refused; 12: the settings switch
     // the event off. A `result` outside the enumeration throws ZRMAssertionFailure.
-    void sendLogin(std::optional<std::string> userId, ZRMLoginResult result);
-    void sendLogin(std::optional<std::string> userId, ZRMLoginResult result,
+    void sendLogin(const std::optional<std::string>& userId, ZRMLoginResult result);
+    void sendLogin(const std::optional<std::string>& userId, ZRMLoginResult result,
                    CompletionHandler completionHandler);
-    void sendLogin(std::optional<std::string> userId, ZRMLoginResult result,
-                   std::optional<std::string> userName);
-    void sendLogin(std::optional<std::string> userId, ZRMLoginResult result,
-                   std::optional<std::string> userName, CompletionHandler completionHandler);
+    void sendLogin(const std::optional<std::string>& userId, ZRMLoginResult result,
+                   const std::optional<std::string>& userName);
+    void sendLogin(const std::optional<std::string>& userId, ZRMLoginResult result,
+                   const std::optional<std::string>& userName, CompletionHandler completionHandler);
 
     // Reports that the user left. Errors 3 and 12 as for the login.
     void sendLogout();
@@ -93,14 +93,15 @@ class ZRM_EXPORT ZRMMobileService {
     // Reports the place in the application that the user went to; at most 2048 code units, empty
     // and absent are allowed. Error 10: refused; errors 3 and 12 as for the login. The event is
     // switched off unless the server's settings switch it on.
-    void sendUINavigationEvent(std::optional<std::string> navigationPoint);
-    void sendUINavigationEvent(std::optional<std::string> navigationPoint,
+    void sendUINavigationEvent(const std::optional<std::string>& navigationPoint);
+    void sendUINavigationEvent(const std::optional<std::string>& navigationPoint,
                                CompletionHandler completionHandler);
 
     // Reports the host's identifier of the user's session; at most 1024 code units, empty and
     // absent are allowed. Error 11: refused; errors 3 and 12 as for the login.
-    void sendSessionId(std::optional<std::string> sessionId);
-    void sendSessionId(std::optional<std::string> sessionId, CompletionHandler completionHandler);
+    void sendSessionId(const std::optional<std::string>& sessionId);
+    void sendSessionId(const std::optional<std::string>& sessionId,
+                       CompletionHandler completionHandler);
 
     // Asks for one report of where the device is; the handler does not wait for the position.
     // Errors 3 and 12 as for the login.

@@ -27,7 +27,7 @@ std::shared_ptr<ZRMFileLoggerImpl> ZRMFileLoggerImpl::sharedInstance() {
 }
 
 ZRMFileLoggerImpl::ZRMFileLoggerImpl(const ZRMPlatform& platform,
-                                     std::shared_ptr<ZRMLoggerCollection> loggers,
+                                     std::weak_ptr<ZRMLoggerCollection> loggers,
                                      ZRMLogLevel logLevel, std::string filePath)
     : clock_(platform.clock),
       executor_(platform.executor),

@@ -20,7 +20,7 @@ class ZRMFileLoggerImpl final : public ZRMFileLogger,
     static std::shared_ptr<ZRMFileLoggerImpl> sharedInstance();
 
     // Owned by shared_ptr. Keeps the platform's single ports, not the platform.
-    ZRMFileLoggerImpl(const ZRMPlatform& platform, std::shared_ptr<ZRMLoggerCollection> loggers,
+    ZRMFileLoggerImpl(const ZRMPlatform& platform, std::weak_ptr<ZRMLoggerCollection> loggers,
                       ZRMLogLevel logLevel, std::string filePath);
 
     void logMessage(const std::string& message, ZRMLogLevel level) override;
