@@ -1,13 +1,14 @@
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Operations/ZRMUrlRequestOperation.h"
 
 #include <array>
-#include <cstdint>
-#include <cstdio>
+#include <charconv>
+#include <limits>
 #include <string>
 #include <utility>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSRunLoop/NSRunLoop+ZRMCoreKit.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLog.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Numbers/ZRMNumbers.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Operations/ZRMUrlRetryPolicy.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Timer/ZRMTimer.h"
 
@@ -41,10 +42,14 @@ ZRMUrlSessionConfiguration configurationFor(const ZRMUrlRequest& request) {
     return configuration;
 }
 
+// With a point in whatever locale the host has set.
 std::string textWithOneDecimal(double value) {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.1f", value);
-    return text.data();
+    constexpr std::size_t kSignPointAndDecimal = 3;
+    std::array<char, std::numeric_limits<double>::max_exponent10 + 1 + kSignPointAndDecimal> text{};
+    const auto end =
+        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, 1)
+            .ptr;
+    return {text.data(), end};
 }
 
 }  // namespace
@@ -132,7 +137,7 @@ void ZRMUrlRequestOperation::startSession() {
 }
 
 std::optional<ZRMUrlRequest> ZRMUrlRequestOperation::prepareRequest() {
-    const auto now = static_cast<std::int64_t>(platform_->clock->now().secondsSince1970);
+    const auto now = zrm_int64FromDouble(platform_->clock->now().secondsSince1970);
     const std::lock_guard lock(attempts_->mutex);
     if (attempts_->cancelled || isFinished()) {
         return std::nullopt;

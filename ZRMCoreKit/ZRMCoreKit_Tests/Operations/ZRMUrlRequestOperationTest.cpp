@@ -17,6 +17,47 @@ constexpr const char* kUrl = "https://risk.example.com/stat";
 constexpr const char* kPath = "/stat";
 constexpr double kTwoDays = 2 * 86400.0;
 
+using Journal = std::shared_ptr<std::vector<std::string>>;
+
+// Passes everything on and writes it down with the session's number.
+class JournalingSession final : public ZRMUrlSession {
+  public:
+    JournalingSession(std::shared_ptr<ZRMUrlSession> session, Journal journal, int number)
+        : session_(std::move(session)), journal_(std::move(journal)), number_(number) {}
+
+    void start(const ZRMUrlRequest& request, Completion completion) override {
+        journal_->push_back("start " + std::to_string(number_));
+        session_->start(request, std::move(completion));
+    }
+    void invalidateAndCancel() override {
+        journal_->push_back("invalidate " + std::to_string(number_));
+        session_->invalidateAndCancel();
+    }
+
+  private:
+    std::shared_ptr<ZRMUrlSession> session_;
+    Journal journal_;
+    int number_;
+};
+
+class JournalingSessions final : public ZRMUrlSessionFactory {
+  public:
+    JournalingSessions(std::shared_ptr<ZRMUrlSessionFactory> sessions, Journal journal)
+        : sessions_(std::move(sessions)), journal_(std::move(journal)) {}
+
+    std::shared_ptr<ZRMUrlSession> makeSession(
+        const ZRMUrlSessionConfiguration& configuration) override {
+        journal_->push_back("make " + std::to_string(++made_));
+        return std::make_shared<JournalingSession>(sessions_->makeSession(configuration), journal_,
+                                                   made_);
+    }
+
+  private:
+    std::shared_ptr<ZRMUrlSessionFactory> sessions_;
+    Journal journal_;
+    int made_ = 0;
+};
+
 class ZRMUrlRequestOperationTest : public testing::Test {
   protected:
     static ZRMUrlRequest request() {
@@ -105,6 +146,34 @@ TEST_F(ZRMUrlRequestOperationTest, StampsEveryAttemptWithItsWholeSecond) {
     EXPECT_EQ(*requests[0].request.headers.find("Request-Send-Timestamp"), "1767225600");
     EXPECT_EQ(*requests[1].request.headers.find("Request-Send-Timestamp"), "1767225602");
     EXPECT_EQ(*operation->request().headers.find("Request-Send-Timestamp"), "1767225602");
+}
+
+TEST_F(ZRMUrlRequestOperationTest, StampsTheFarthestSecondWhenTheClockIsBeyondAllReason) {
+    class RunawayClock final : public ZRMClock {
+      public:
+        [[nodiscard]] ZRMDate now() const override { return {1e300}; }
+        [[nodiscard]] std::optional<ZRMBootTime> bootTime() const override { return std::nullopt; }
+        [[nodiscard]] double uptimeSeconds() const override { return 0; }
+    };
+    auto platform = std::make_shared<ZRMPlatform>(*device_.platform());
+    platform->clock = std::make_shared<RunawayClock>();
+    const auto operation = std::make_shared<ZRMUrlRequestOperation>(platform, request());
+    operation->start();
+    EXPECT_EQ(*operation->request().headers.find("Request-Send-Timestamp"), "9223372036854775807");
+}
+
+TEST_F(ZRMUrlRequestOperationTest, EveryAttemptHasItsOwnSessionAndTheOneBeforeIsInvalidatedFirst) {
+    const auto journal = std::make_shared<std::vector<std::string>>();
+    auto platform = std::make_shared<ZRMPlatform>(*device_.platform());
+    platform->urlSessions = std::make_shared<JournalingSessions>(platform->urlSessions, journal);
+    answer(ZRMSimulatedAnswer::withStatus(503));
+    answer(ZRMSimulatedAnswer::withBody("late"));
+    const auto operation = std::make_shared<ZRMUrlRequestOperation>(platform, request(), true);
+    operation->start();
+    device_.advanceBy(10);
+    EXPECT_TRUE(operation->isFinished());
+    EXPECT_THAT(*journal, ElementsAre("make 1", "start 1", "invalidate 1", "make 2", "start 2",
+                                      "invalidate 2"));
 }
 
 TEST_F(ZRMUrlRequestOperationTest, TheThreeWaysToMakeIt) {
