@@ -11,7 +11,7 @@ std::shared_ptr<ZRMLoggerCollection> ZRMLoggerCollection::sharedInstance() {
 
 void ZRMLoggerCollection::addLogger(std::shared_ptr<ZRMLogger> logger) {
     const std::lock_guard lock(mutex_);
-    if (std::ranges::find(collection_, logger, &Member::logger) != collection_.end()) {
+    if (!logger || std::ranges::find(collection_, logger, &Member::logger) != collection_.end()) {
         return;
     }
     auto& last = collection_.empty() ? first_ : collection_.back().next;

@@ -16,7 +16,7 @@ class ZRMLoggerCollection {
     // The process's one collection, empty at first.
     static std::shared_ptr<ZRMLoggerCollection> sharedInstance();
 
-    // Nothing happens when it is in the collection already.
+    // Nothing happens when it is absent or in the collection already.
     void addLogger(std::shared_ptr<ZRMLogger> logger);
 
     void logMessage(const std::string& message, ZRMLogLevel level);

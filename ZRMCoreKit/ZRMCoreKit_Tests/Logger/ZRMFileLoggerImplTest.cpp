@@ -11,6 +11,48 @@ constexpr const char* kPath = "/device/home/Documents/zrm-traces.log";
 constexpr const char* kDocuments = ZRMSimulatedDirectories::kDocuments;
 using Operation = ZRMSimulatedDiskOperation;
 
+// What a handle tells of itself, and which of its steps fail.
+struct HandleState {
+    bool isOpen = true;
+    bool seekFails = false;
+};
+
+class FakeHandle final : public ZRMFileHandle {
+  public:
+    explicit FakeHandle(std::shared_ptr<HandleState> state) : state_(std::move(state)) {}
+    ~FakeHandle() override { state_->isOpen = false; }
+    std::optional<ZRMError> seekToEnd() override { return seekTo(0); }
+    std::optional<ZRMError> seekTo(std::uint64_t /*offset*/) override {
+        return state_->seekFails ? std::optional(ZRMError(kZRMPosixErrorDomain, 29)) : std::nullopt;
+    }
+    std::optional<ZRMError> write(std::span<const std::uint8_t> /*bytes*/) override { return {}; }
+    std::optional<ZRMError> truncateAt(std::uint64_t /*offset*/) override { return {}; }
+    std::optional<ZRMError> synchronize() override { return {}; }
+
+  private:
+    std::shared_ptr<HandleState> state_;
+};
+
+class MockFileManager : public ZRMFileManager {
+  public:
+    using Names = ZRMResult<std::vector<std::string>>;
+    using Handle = ZRMResult<std::unique_ptr<ZRMFileHandle>>;
+    MOCK_METHOD(bool, fileExists, (const std::string&), (const, override));
+    MOCK_METHOD(bool, directoryExists, (const std::string&), (const, override));
+    MOCK_METHOD(Names, contentsOfDirectory, (const std::string&), (const, override));
+    MOCK_METHOD(std::optional<ZRMError>, createDirectory, (const std::string&), (override));
+    MOCK_METHOD(std::optional<ZRMError>, createFile, (const std::string&), (override));
+    MOCK_METHOD(ZRMResult<ZRMData>, readFile, (const std::string&), (const, override));
+    MOCK_METHOD(std::optional<ZRMError>, writeFileAtomically, (const std::string&, const ZRMData&),
+                (override));
+    MOCK_METHOD(std::optional<ZRMError>, removeItem, (const std::string&), (override));
+    MOCK_METHOD(std::optional<ZRMError>, moveItem, (const std::string&, const std::string&),
+                (override));
+    MOCK_METHOD(ZRMResult<ZRMDate>, creationDate, (const std::string&), (const, override));
+    MOCK_METHOD(std::optional<ZRMError>, excludeFromBackup, (const std::string&), (override));
+    MOCK_METHOD(Handle, openForUpdating, (const std::string&), (override));
+};
+
 class ZRMFileLoggerImplTest : public testing::Test {
   protected:
     void SetUp() override {
@@ -25,6 +67,19 @@ class ZRMFileLoggerImplTest : public testing::Test {
     }
     static std::string line(const std::string& text) {
         return "[2026-01-01 00:00:00 +0000] [2] [ERR] " + text + "\n";
+    }
+    // A logger whose file is there and is one handle with that state.
+    std::shared_ptr<ZRMFileLoggerImpl> loggerOf(const std::shared_ptr<HandleState>& state) {
+        const auto files = std::make_shared<testing::StrictMock<MockFileManager>>();
+        EXPECT_CALL(*files, directoryExists(kDocuments)).WillOnce(testing::Return(true));
+        EXPECT_CALL(*files, fileExists(kPath)).WillOnce(testing::Return(true));
+        EXPECT_CALL(*files, openForUpdating(kPath)).WillOnce([state](const std::string&) {
+            return MockFileManager::Handle(std::make_unique<FakeHandle>(state));
+        });
+        ZRMPlatform platform = *device_.platform();
+        platform.fileManager = files;
+        return std::make_shared<ZRMFileLoggerImpl>(platform, ZRMLoggerCollection::sharedInstance(),
+                                                   kZRMLogLevelError, kPath);
     }
     void fail(Operation operation, int errorNumber = 5) {
         device_.disk().faults().add({.operation = operation, .errorNumber = errorNumber});
@@ -112,6 +167,27 @@ TEST_F(ZRMFileLoggerImplTest, WriteFailureOfAnyStepIsToldOnTheConsoleAndTheLineI
     EXPECT_THAT(content(), testing::StartsWith(line("one")));
     EXPECT_THAT(content(), testing::EndsWith(line("two")));
     EXPECT_THAT(log_.errors(), testing::IsEmpty());
+}
+
+TEST_F(ZRMFileLoggerImplTest, SeekThatFailsIsAWriteFailureLikeAnyOther) {
+    const auto state = std::make_shared<HandleState>();
+    state->seekFails = true;
+    const auto logger = loggerOf(state);
+    logger->logMessage("lost", kZRMLogLevelError);
+    device_.runUntilIdle();
+    EXPECT_EQ(device_.console().text(), "No space left on device to write logs\n");
+    EXPECT_TRUE(state->isOpen) << "nothing else changes";
+}
+
+TEST_F(ZRMFileLoggerImplTest, OpensItsFileOnceAndClosesItWhenItIsDropped) {
+    const auto state = std::make_shared<HandleState>();
+    auto logger = loggerOf(state);
+    logger->logMessage("one", kZRMLogLevelError);
+    logger->logMessage("two", kZRMLogLevelError);
+    device_.runUntilIdle();
+    EXPECT_TRUE(state->isOpen);
+    logger.reset();
+    EXPECT_FALSE(state->isOpen);
 }
 
 TEST_F(ZRMFileLoggerImplTest, FileThatCannotBeOpenedLosesTheLineAndIsTriedAgain) {

@@ -1,3 +1,5 @@
+#include <thread>
+
 #include <gtest/gtest.h>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ConsoleLogger/ZRMConsoleLoggerFactory.h"
@@ -56,6 +58,36 @@ TEST(ZRMLoggerCollection, KeepsALoggerOnceThatIsAddedTwice) {
     loggers.addLogger(logger);
     loggers.logMessage("1", kZRMLogLevelError);
     EXPECT_EQ(received, (Received{{"a:1", 1}}));
+}
+
+TEST(ZRMLoggerCollection, TakesNoAbsentLogger) {
+    ZRMLoggerCollection loggers;
+    loggers.addLogger(nullptr);
+    EXPECT_FALSE(loggers.accepts(kZRMLogLevelError));
+    loggers.logMessage("1", kZRMLogLevelError);
+}
+
+TEST(ZRMLoggerCollection, LoggersSeeTheLinesOfAllThreadsInOneOrder) {
+    constexpr int kThreads = 4;
+    constexpr int kLines = 500;
+    Received first;
+    Received second;
+    ZRMLoggerCollection loggers;
+    loggers.addLogger(std::make_shared<FakeLogger>("x", first));
+    loggers.addLogger(std::make_shared<FakeLogger>("x", second));
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < kThreads; ++thread) {
+        threads.emplace_back([&loggers, thread] {
+            for (int line = 0; line < kLines; ++line) {
+                loggers.logMessage(std::to_string(thread * kLines + line), kZRMLogLevelError);
+            }
+        });
+    }
+    for (auto& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(first.size(), static_cast<std::size_t>(kThreads * kLines));
+    EXPECT_EQ(first, second);
 }
 
 TEST(ZRMLoggerCollection, PassesOverTheExcludedLogger) {
