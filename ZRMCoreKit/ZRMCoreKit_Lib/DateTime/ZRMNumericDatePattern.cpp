@@ -1,5 +1,6 @@
 #include "ZRMCoreKit/ZRMCoreKit_Lib/DateTime/ZRMNumericDatePattern.h"
 
+#include <algorithm>
 #include <chrono>
 
 namespace {
@@ -10,6 +11,14 @@ void appendDigits(std::string& text, std::int64_t number, std::size_t width) {
     for (auto place = start + width; place > start && number > 0; number /= 10) {
         text[--place] = static_cast<char>('0' + number % 10);
     }
+}
+
+// The first digits of the fraction, with zeros beyond the third.
+void appendFraction(std::string& text, std::chrono::milliseconds fraction, std::size_t width) {
+    std::string digits;
+    appendDigits(digits, fraction.count(), 3);
+    digits.resize(width, '0');
+    text.append(digits);
 }
 
 bool isAsciiLetter(char character) {
@@ -131,14 +140,9 @@ std::optional<std::string> ZRMNumericDatePattern::text(std::int64_t milliseconds
             case Field::Second:
                 appendDigits(text, time.seconds().count(), token.width);
                 break;
-            case Field::Fraction: {
-                // The first digits of the fraction, with zeros beyond the third.
-                std::string fraction;
-                appendDigits(fraction, time.subseconds().count(), 3);
-                fraction.resize(token.width, '0');
-                text.append(fraction);
+            case Field::Fraction:
+                appendFraction(text, time.subseconds(), token.width);
                 break;
-            }
         }
     }
     return text;

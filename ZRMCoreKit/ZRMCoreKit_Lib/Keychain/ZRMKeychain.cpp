@@ -24,8 +24,7 @@ bool ZRMKeychain::readGenericPassword(const ZRMKeychainItems& items,
     }
     if (password != nullptr) {
         auto text = zrm_textFromData(value);
-        *password =
-            zrm_isValidUtf8(text) ? std::optional(std::move(text)) : std::nullopt;
+        *password = zrm_isValidUtf8(text) ? std::optional(std::move(text)) : std::nullopt;
     }
     return true;
 }

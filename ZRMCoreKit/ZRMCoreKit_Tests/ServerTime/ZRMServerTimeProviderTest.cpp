@@ -50,6 +50,12 @@ TEST_F(ZRMServerTimeProviderTest, ATextThatIsNoDateLeavesItUnknown) {
     EXPECT_EQ(provider_.getTime(), kDateMilliseconds) << "a good one still counts";
 }
 
+TEST_F(ZRMServerTimeProviderTest, ADateBefore1970IsKnownToo) {
+    provider_.setTime("Wed, 31 Dec 1969 23:59:58 GMT");
+    EXPECT_TRUE(provider_.isValid());
+    EXPECT_EQ(provider_.getTime(), -2000);
+}
+
 TEST_F(ZRMServerTimeProviderTest, TheEpochItselfCountsAsUnknown) {
     provider_.setTime("Thu, 01 Jan 1970 00:00:00 GMT");
     EXPECT_FALSE(provider_.isValid());

@@ -38,9 +38,9 @@ double zrm_timeIntervalFromISO8601DurationString(std::string_view duration) {
             seconds += static_cast<double>(count * secondsEach);
         }
     };
-    add(components->day, 86400);
-    add(components->hour, 3600);
-    add(components->minute, 60);
+    add(components->day, zrm_secondsPerDay());
+    add(components->hour, zrm_secondsPerHour());
+    add(components->minute, zrm_secondsPerMinute());
     add(components->second, 1);
     return seconds;
 }

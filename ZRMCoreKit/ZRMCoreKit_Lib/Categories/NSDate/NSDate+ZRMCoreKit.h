@@ -8,13 +8,13 @@
 #include "ZRMPlatform/Ports/Values/ZRMDate.h"
 #include "ZRMPlatform/Ports/ZRMDevice.h"
 
-inline constexpr double zrm_secondsPerDay() {
+inline constexpr int zrm_secondsPerDay() {
     return 86400;
 }
-inline constexpr double zrm_secondsPerHour() {
+inline constexpr int zrm_secondsPerHour() {
     return 3600;
 }
-inline constexpr double zrm_secondsPerMinute() {
+inline constexpr int zrm_secondsPerMinute() {
     return 60;
 }
 

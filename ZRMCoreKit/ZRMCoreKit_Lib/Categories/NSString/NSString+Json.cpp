@@ -1,3 +1,4 @@
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSDate/NSDate+ZRMCoreKit.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSString/NSString+Json.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Numbers/ZRMNumbers.h"
 
@@ -13,12 +14,12 @@ void appendIfPositive(std::string& text, std::int64_t count, char designator) {
 
 std::string timeIntervalAsISO8601DurationString(double seconds) {
     const auto whole = zrm_int64FromDouble(seconds);
-    const auto hours = whole / 3600 % 24;
-    const auto minutes = whole / 60 % 60;
-    const auto rest = whole % 60;
+    const auto hours = whole / zrm_secondsPerHour() % 24;
+    const auto minutes = whole / zrm_secondsPerMinute() % 60;
+    const auto rest = whole % zrm_secondsPerMinute();
 
     std::string text = "P";
-    appendIfPositive(text, whole / 86400, 'D');
+    appendIfPositive(text, whole / zrm_secondsPerDay(), 'D');
     if (hours == 0 && minutes == 0 && rest == 0) {
         return text;
     }
