@@ -54,11 +54,8 @@ ZRMResult<ZRMJwsObject> ZRMJwsObject::jwsObjectFromData(const ZRMData& data) {
     if (validity != ZRMJwsObjectJsonValid) {
         return validityError(validity);
     }
-    auto object = jwsObjectFromJson(*dictionary);
-    if (!object) {
-        return validityError(ZRMJwsObjectJsonInvalidSignatures);
-    }
-    return std::move(*object);
+    // What is valid parses: the checks of the parser are among those of the validation.
+    return jwsObjectFromJson(*dictionary).value();
 }
 
 std::optional<ZRMJwsObject> ZRMJwsObject::jwsObjectFromJson(const ZRMDictionary& json) {

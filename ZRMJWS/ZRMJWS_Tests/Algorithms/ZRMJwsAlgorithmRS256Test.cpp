@@ -32,6 +32,26 @@ class FaultyKey final : public ZRMRsaKey {
     }
 };
 
+// A key that signs with fewer bytes than its block and tells what it was given.
+class ShortSigningKey final : public ZRMRsaKey {
+  public:
+    mutable ZRMData room;
+
+    [[nodiscard]] std::size_t blockSize() const override { return 8; }
+    std::int32_t signDigest(std::span<const std::uint8_t>, std::span<std::uint8_t> signature,
+                            std::size_t& length) const override {
+        room.assign(signature.begin(), signature.end());
+        signature[0] = 0xFB;
+        signature[1] = 0xFF;
+        length = 2;
+        return 0;
+    }
+    [[nodiscard]] std::int32_t verifyDigest(std::span<const std::uint8_t>,
+                                            std::span<const std::uint8_t>) const override {
+        return -1;
+    }
+};
+
 class ZRMJwsAlgorithmRS256Test : public testing::Test {
   protected:
     std::shared_ptr<ZRMJwsAlgorithm> signing() const {
@@ -81,6 +101,13 @@ TEST_F(ZRMJwsAlgorithmRS256Test, SignsIntoBase64UrlTextWithoutPadding) {
         EXPECT_EQ(signature->size(), 342U);
         EXPECT_EQ(zrm_textFromData(*signature).find_first_of("=+/"), std::string::npos);
     }
+}
+
+TEST_F(ZRMJwsAlgorithmRS256Test, GivesTheKeyABlockOfZerosAndTakesTheLengthItReturns) {
+    const auto key = std::make_shared<ShortSigningKey>();
+    const ZRMJwsAlgorithmRS256 algorithm(platform_->digests, key);
+    EXPECT_EQ(algorithm.signData(data_), zrm_dataFromText("-_8"));
+    EXPECT_EQ(key->room, ZRMData(8, 0));
 }
 
 TEST_F(ZRMJwsAlgorithmRS256Test, WritesBytesAsBase64UrlText) {

@@ -7,9 +7,10 @@ namespace {
 
 TEST(ZRMJwsErrorFactory, DescribesEachCode) {
     const std::map<std::int64_t, std::string> messages{
-        {0, "Unknown error."},
-        {1, "Signature not found."},
-        {2, "Signature has invalid format. Cannot verify JWS payload."},
+        {ZRMJwsErrorUnknown, "Unknown error."},
+        {ZRMJwsErrorSignatureNotFound, "Signature not found."},
+        {ZRMJwsErrorSignatureInvalidFormat,
+         "Signature has invalid format. Cannot verify JWS payload."},
     };
     for (const auto& [code, message] : messages) {
         const auto error = ZRMJwsErrorFactory::errorForCode(code);
@@ -18,6 +19,12 @@ TEST(ZRMJwsErrorFactory, DescribesEachCode) {
         EXPECT_EQ(error.localizedDescription(), message);
         EXPECT_EQ(error.userInfo().size(), 1U);
     }
+}
+
+TEST(ZRMJwsErrorFactory, CodesHaveTheirNumbers) {
+    EXPECT_EQ(ZRMJwsErrorUnknown, 0);
+    EXPECT_EQ(ZRMJwsErrorSignatureNotFound, 1);
+    EXPECT_EQ(ZRMJwsErrorSignatureInvalidFormat, 2);
 }
 
 TEST(ZRMJwsErrorFactory, CarriesGivenUserInfoAsItIs) {
