@@ -11,8 +11,9 @@ constexpr const char* kPath = "/device/home/Documents/zrm-traces.log";
 constexpr const char* kDocuments = ZRMSimulatedDirectories::kDocuments;
 using Operation = ZRMSimulatedDiskOperation;
 
-// What a handle tells of itself, and which of its steps fail.
+// What a handle was asked, whether it is open, and whether its seeks fail.
 struct HandleState {
+    std::vector<std::string> steps;
     bool isOpen = true;
     bool seekFails = false;
 };
@@ -21,15 +22,28 @@ class FakeHandle final : public ZRMFileHandle {
   public:
     explicit FakeHandle(std::shared_ptr<HandleState> state) : state_(std::move(state)) {}
     ~FakeHandle() override { state_->isOpen = false; }
-    std::optional<ZRMError> seekToEnd() override { return seekTo(0); }
-    std::optional<ZRMError> seekTo(std::uint64_t /*offset*/) override {
-        return state_->seekFails ? std::optional(ZRMError(kZRMPosixErrorDomain, 29)) : std::nullopt;
+    std::optional<ZRMError> seekToEnd() override { return seek("end"); }
+    std::optional<ZRMError> seekTo(std::uint64_t offset) override {
+        return seek(std::to_string(offset));
     }
-    std::optional<ZRMError> write(std::span<const std::uint8_t> /*bytes*/) override { return {}; }
-    std::optional<ZRMError> truncateAt(std::uint64_t /*offset*/) override { return {}; }
-    std::optional<ZRMError> synchronize() override { return {}; }
+    std::optional<ZRMError> write(std::span<const std::uint8_t> /*bytes*/) override {
+        return step("write");
+    }
+    std::optional<ZRMError> truncateAt(std::uint64_t offset) override {
+        return step("truncate at " + std::to_string(offset));
+    }
+    std::optional<ZRMError> synchronize() override { return step("synchronize"); }
 
   private:
+    std::optional<ZRMError> seek(const std::string& place) {
+        step("seek to " + place);
+        return state_->seekFails ? std::optional(ZRMError(kZRMPosixErrorDomain, 29)) : std::nullopt;
+    }
+    std::optional<ZRMError> step(std::string name) {
+        state_->steps.push_back(std::move(name));
+        return std::nullopt;
+    }
+
     std::shared_ptr<HandleState> state_;
 };
 
@@ -70,14 +84,13 @@ class ZRMFileLoggerImplTest : public testing::Test {
     }
     // A logger whose file is there and is one handle with that state.
     std::shared_ptr<ZRMFileLoggerImpl> loggerOf(const std::shared_ptr<HandleState>& state) {
-        const auto files = std::make_shared<testing::StrictMock<MockFileManager>>();
-        EXPECT_CALL(*files, directoryExists(kDocuments)).WillOnce(testing::Return(true));
-        EXPECT_CALL(*files, fileExists(kPath)).WillOnce(testing::Return(true));
-        EXPECT_CALL(*files, openForUpdating(kPath)).WillOnce([state](const std::string&) {
+        EXPECT_CALL(*files_, directoryExists(kDocuments)).WillOnce(testing::Return(true));
+        EXPECT_CALL(*files_, fileExists(kPath)).WillOnce(testing::Return(true));
+        EXPECT_CALL(*files_, openForUpdating(kPath)).WillOnce([state](const std::string&) {
             return MockFileManager::Handle(std::make_unique<FakeHandle>(state));
         });
         ZRMPlatform platform = *device_.platform();
-        platform.fileManager = files;
+        platform.fileManager = files_;
         return std::make_shared<ZRMFileLoggerImpl>(platform, ZRMLoggerCollection::sharedInstance(),
                                                    kZRMLogLevelError, kPath);
     }
@@ -89,6 +102,8 @@ class ZRMFileLoggerImplTest : public testing::Test {
     ZRMScopedPlatform installed_{device_};
     ZRMRecordedLog log_;
     std::shared_ptr<ZRMFileLoggerImpl> logger_ = ZRMFileLoggerImpl::sharedInstance();
+    const std::shared_ptr<testing::StrictMock<MockFileManager>> files_ =
+        std::make_shared<testing::StrictMock<MockFileManager>>();
 };
 
 }  // namespace
@@ -176,7 +191,30 @@ TEST_F(ZRMFileLoggerImplTest, SeekThatFailsIsAWriteFailureLikeAnyOther) {
     logger->logMessage("lost", kZRMLogLevelError);
     device_.runUntilIdle();
     EXPECT_EQ(device_.console().text(), "No space left on device to write logs\n");
+    EXPECT_THAT(state->steps, testing::ElementsAre("seek to end"));
     EXPECT_TRUE(state->isOpen) << "nothing else changes";
+}
+
+TEST_F(ZRMFileLoggerImplTest, AppendsAndClearsStepByStep) {
+    const auto state = std::make_shared<HandleState>();
+    const auto logger = loggerOf(state);
+    logger->logMessage("one", kZRMLogLevelError);
+    logger->clearLogFile();
+    device_.runUntilIdle();
+    EXPECT_THAT(state->steps, testing::ElementsAre("seek to end", "write", "synchronize",
+                                                   "seek to 0", "truncate at 0", "synchronize"));
+}
+
+TEST_F(ZRMFileLoggerImplTest, ClosesItsFileBeforeItRemovesIt) {
+    const auto state = std::make_shared<HandleState>();
+    const auto logger = loggerOf(state);
+    logger->logMessage("one", kZRMLogLevelError);
+    logger->deleteLogFile();
+    EXPECT_CALL(*files_, removeItem(kPath)).WillOnce([state](const std::string&) {
+        EXPECT_FALSE(state->isOpen);
+        return std::nullopt;
+    });
+    device_.runUntilIdle();
 }
 
 TEST_F(ZRMFileLoggerImplTest, OpensItsFileOnceAndClosesItWhenItIsDropped) {

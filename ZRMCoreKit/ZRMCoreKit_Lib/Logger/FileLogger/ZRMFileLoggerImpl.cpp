@@ -1,5 +1,6 @@
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/FileLogger/ZRMFileLoggerImpl.h"
 
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSString/NSString+ZRMCoreKit.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLog.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLogMessage.h"
 
@@ -22,7 +23,7 @@ std::shared_ptr<ZRMFileLoggerImpl> ZRMFileLoggerImpl::sharedInstance() {
     return platform->instances->shared<ZRMFileLoggerImpl>([&platform] {
         return std::make_shared<ZRMFileLoggerImpl>(
             *platform, ZRMLoggerCollection::sharedInstance(), kZRMLogLevelError,
-            platform->directories->documents() + "/" + kTracesFileName);
+            zrm_documentDirectory(*platform->directories) + "/" + kTracesFileName);
     });
 }
 
@@ -33,7 +34,7 @@ ZRMFileLoggerImpl::ZRMFileLoggerImpl(const ZRMPlatform& platform,
       executor_(platform.executor),
       consoleLog_(platform.consoleLog),
       fileManager_(platform.fileManager),
-      documentsDirectory_(platform.directories->documents()),
+      documentsDirectory_(zrm_documentDirectory(*platform.directories)),
       loggers_(std::move(loggers)),
       tracesFilePath_(std::move(filePath)),
       logLevel_(logLevel),
