@@ -152,6 +152,14 @@ TEST(ZRMDateFormatters, ServerTimeRefusesOtherTexts) {
     }
 }
 
+TEST(ZRMDate, DescriptionStylesHaveTheirNumbers) {
+    EXPECT_EQ(static_cast<int>(ZRMDateFormatterStyle::None), 0);
+    EXPECT_EQ(static_cast<int>(ZRMDateFormatterStyle::Short), 1);
+    EXPECT_EQ(static_cast<int>(ZRMDateFormatterStyle::Medium), 2);
+    EXPECT_EQ(static_cast<int>(ZRMDateFormatterStyle::Long), 3);
+    EXPECT_EQ(static_cast<int>(ZRMDateFormatterStyle::Full), 4);
+}
+
 TEST(ZRMDate, DescriptionFollowsTheGivenLocaleAndStyles) {
     const auto described = [](const char* locale, ZRMDateFormatterStyle date,
                               ZRMDateFormatterStyle time) {
@@ -179,6 +187,8 @@ TEST(ZRMDate, LocalDescriptionsTakeTheDevicesLocaleAndTimeZone) {
 TEST(ZRMDate, DescriptionsOfUnheardOfPlacesAndTimesDoNotFail) {
     const auto nowhere = placeOf("Nowhere/Land", "xx_YY_ZZZ@calendar=none");
     EXPECT_NE(zrm_mediumLocalDescriptionForDate(nowhere, kMoment), "");
+    EXPECT_NE(zrm_mediumLocalDescriptionForDate(kVienna, ZRMDate{1e300}), "");
+    EXPECT_NE(zrm_mediumLocalDescriptionForDate(kVienna, ZRMDate{-1e300}), "");
     EXPECT_EQ(zrm_mediumLocalDescriptionForDate(kVienna,
                                                 ZRMDate{std::numeric_limits<double>::quiet_NaN()}),
               "");

@@ -148,6 +148,8 @@ TEST(ZRMDateComponents, RefusesWhatIsNoDuration) {
 }
 
 TEST(ZRMDateComponents, OnePartIsReadByItsOwnDesignators) {
+    EXPECT_EQ(static_cast<int>(ZRMDurationPart::Date), 0);
+    EXPECT_EQ(static_cast<int>(ZRMDurationPart::Time), 1);
     EXPECT_EQ(zrm_dateComponentsForISO8601DurationString("1M", ZRMDurationPart::Date),
               (ZRMDateComponents{.month = 1}));
     EXPECT_EQ(zrm_dateComponentsForISO8601DurationString("1M", ZRMDurationPart::Time),
