@@ -1,5 +1,7 @@
 // Many threads report while the service activates, on the real device body. The thread sanitizer is
 // the second reader of this test.
+#include <algorithm>
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <thread>

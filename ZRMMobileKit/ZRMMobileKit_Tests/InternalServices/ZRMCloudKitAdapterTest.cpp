@@ -250,7 +250,7 @@ TEST_P(ZRMCloudKitAdapterEvent, IsGovernedByItsOwnSwitchAlone) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, ZRMCloudKitAdapterEvent, testing::ValuesIn(kRows),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& instance) { return instance.param.name; });
 
 TEST_F(ZRMCloudKitAdapterTest, KindThatDoesNotExistCompletesAndIsAnAssertion) {
     activate();

@@ -41,7 +41,7 @@ INSTANTIATE_TEST_SUITE_P(
         MessageCase{8, "URL has invalid format."}, MessageCase{9, "Login has invalid format."},
         MessageCase{10, "UI navigation event has invalid format."},
         MessageCase{11, "Session id has invalid format."}, MessageCase{12, "Event is disabled"}),
-    [](const auto& info) { return "Code" + std::to_string(info.param.code); });
+    [](const auto& instance) { return "Code" + std::to_string(instance.param.code); });
 
 TEST(ZRMMobileKitErrorFactory, CodeOutsideTheTableIsAnAssertion) {
     for (const std::int64_t code : {13L, -1L, 1000000L}) {

@@ -133,7 +133,7 @@ TEST_P(ZRMMobileServiceSend, HandlerOfAServiceThatIsGoneIsStillCalled) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, ZRMMobileServiceSend, testing::ValuesIn(kSends),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& instance) { return instance.param.name; });
 
 TEST_F(ZRMMobileServiceEvents, UserIdentifierOf255CharactersIsSent) {
     activate();

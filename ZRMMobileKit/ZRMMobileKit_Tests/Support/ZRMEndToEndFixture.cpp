@@ -1,5 +1,7 @@
 #include "ZRMMobileKit/ZRMMobileKit_Tests/Support/ZRMEndToEndFixture.h"
 
+#include <algorithm>
+
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSData/NSData+ZRMCoreKit.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSString/NSString+ZRMCoreKit.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Json/ZRMJsonText.h"
