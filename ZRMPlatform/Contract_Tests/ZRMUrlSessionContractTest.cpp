@@ -217,4 +217,17 @@ TEST_P(ZRMUrlSessionContract, ManyExchangesRunSideBySideAndEachEndsOnce) {
     EXPECT_EQ(body_->requests().size(), 20u);
 }
 
+TEST_P(ZRMUrlSessionContract, ABodyLongerThanTheRequestTakesEndsTheExchange) {
+    ZRMContractAnswer answer;
+    answer.body = std::string(1000, 'x');
+    body_->serve("/long", answer);
+    auto request = get(body_->url("/long"));
+    request.maximumResponseBytes = 1000;
+    EXPECT_EQ(codeOf(load(request)), 0);
+    request.maximumResponseBytes = 999;
+    const auto session = makeSession();
+    session->start(request, completion());
+    EXPECT_EQ(codeOf(arrived(2)), ZRMUrlErrorDataLengthExceedsMaximum);
+}
+
 INSTANTIATE_TEST_SUITE_P(Bodies, ZRMUrlSessionContract, zrm_contractBodies(), zrm_contractBodyName);

@@ -44,6 +44,10 @@ ZRMLinuxRevocationCheck::ZRMLinuxRevocationCheck(std::shared_ptr<ZRMClock> clock
 void ZRMLinuxRevocationCheck::start(Completion completion) {
     completion_ = std::move(completion);
     endUptimeSeconds_ = clock_->uptimeSeconds() + kSecondsAltogether;
+    if (methods_ == ZRMTrustRevocationNone) {
+        complete(std::nullopt);
+        return;
+    }
     proceed();
 }
 
