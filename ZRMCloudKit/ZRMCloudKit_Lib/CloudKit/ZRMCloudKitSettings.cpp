@@ -1,6 +1,5 @@
 #include "ZRMCloudKit/ZRMCloudKit_Lib/CloudKit/ZRMCloudKitSettings.h"
 
-#include <cstdint>
 #include <utility>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSFileManager/NSFileManager+ZRMCoreKit.h"
@@ -74,8 +73,8 @@ std::optional<ZRMCloudKitSettingsValues> ZRMCloudKitSettings::readArchive() cons
 }
 
 void ZRMCloudKitSettings::keepDamagedArchive(const std::string& reason) const {
-    const auto seconds = static_cast<std::int64_t>(platform_->clock->now().secondsSince1970);
-    const auto keptPath = archivePath() + ".damaged-" + std::to_string(seconds);
+    const auto keptPath =
+        zrm_pathForDamagedItem(*platform_->fileManager, archivePath(), platform_->clock->now());
     zrm_logError(
         this, "Cannot read ZRMCloudKit settings data, keeping it as " + keptPath + ": " + reason);
     if (const auto error = platform_->fileManager->moveItem(archivePath(), keptPath)) {

@@ -154,6 +154,17 @@ TEST_F(ZRMCloudKitSettingsTest, KeepsBytesThatAreNoArchiveBesideUnderANameWithTh
     expectNewInstallationBesideDamagedArchive();
 }
 
+TEST_F(ZRMCloudKitSettingsTest, KeepsEveryDamagedArchiveAlsoThoseOfOneSecond) {
+    for (const auto* bytes : {"first", "second"}) {
+        device_.disk().put(kArchive, bytes);
+        load();
+    }
+    EXPECT_EQ(zrm_textFromData(device_.disk().bytesOf(kDamaged)), "first");
+    EXPECT_EQ(zrm_textFromData(device_.disk().bytesOf(
+                  "/device/data/ZRMCloudKit/ZRMCloudKitSettings.damaged-1767225601")),
+              "second");
+}
+
 TEST_F(ZRMCloudKitSettingsTest, TakesAnEmptyFileForDamaged) {
     device_.disk().put(kArchive, "");
     expectNewInstallationBesideDamagedArchive();
@@ -181,6 +192,7 @@ TEST_F(ZRMCloudKitSettingsTest, TakesAFieldOfAnotherTypeForDamage) {
         const auto before = device_.disk().bytesOf(kArchive);
         EXPECT_TRUE(load()->installationId()) << key;
         EXPECT_EQ(device_.disk().bytesOf(kDamaged), before) << key;
+        device_.platform()->fileManager->removeItem(kDamaged);
     }
 }
 

@@ -27,3 +27,22 @@ TEST(ZRMFileCreationDate, IsAbsentAndLoggedWhenItCannotBeRead) {
               std::vector<std::string>{
                   files.creationDate("/device/home/missing").error().localizedDescription()});
 }
+
+TEST(ZRMDamagedItemPath, IsTheItemsWithTheTimeInWholeSeconds) {
+    ZRMSimulatedDevice device;
+    EXPECT_EQ(zrm_pathForDamagedItem(*device.platform()->fileManager, "/device/data/store",
+                                     ZRMDate{1700000000.9}),
+              "/device/data/store.damaged-1700000000");
+}
+
+TEST(ZRMDamagedItemPath, AvoidsEveryNameThatIsTakenOrBegunWith) {
+    ZRMSimulatedDevice device;
+    device.disk().put("/device/data/store.damaged-1700000000", "evidence");
+    device.disk().put("/device/data/store.damaged-1700000001-wal", "evidence");
+    EXPECT_EQ(zrm_pathForDamagedItem(*device.platform()->fileManager, "/device/data/store",
+                                     ZRMDate{1700000000}),
+              "/device/data/store.damaged-1700000002");
+    EXPECT_EQ(zrm_pathForDamagedItem(*device.platform()->fileManager, "/device/data/other",
+                                     ZRMDate{1700000000}),
+              "/device/data/other.damaged-1700000000");
+}

@@ -47,6 +47,33 @@ OpenResult openStore(const ZRMPlatform& platform, const std::string& path,
     }
 }
 
+OpenResult repairStore(const ZRMPlatform& platform, const std::string& path,
+                       const ZRMManagedObjectModel& model) {
+    const auto movedTo = zrm_moveStoreAside(platform, path);
+    if (!movedTo) {
+        return movedTo.error();
+    }
+    auto fresh = openStore(platform, path, model);
+    if (!fresh) {
+        if (zrm_isStoreDamage(fresh.error())) {
+            // Damaged again before its repair was over: the next opening moves this one too.
+            zrm_markStoreDamaged(*platform.fileManager, path);
+        }
+        return fresh;
+    }
+    std::optional<std::size_t> saved = 0;
+    if (const auto& damagedPath = movedTo.value()) {
+        saved = zrm_carryRecordsOver(platform, *damagedPath, fresh.value()->database());
+        zrm_logError(fresh.value().get(),
+                     "Statistics storage was damaged and is now at '" + *damagedPath +
+                         "', records carried over: " + std::to_string(saved.value_or(0)));
+    }
+    if (saved) {
+        zrm_finishStoreRepair(*platform.fileManager, path);
+    }
+    return fresh;
+}
+
 }  // namespace
 
 ZRMPersistentStoreCoordinator::ZRMPersistentStoreCoordinator(
@@ -63,17 +90,5 @@ OpenResult ZRMPersistentStoreCoordinator::create(const ZRMPlatform& platform,
             return opened;
         }
     }
-    const auto movedTo = zrm_moveStoreAside(platform, storePath);
-    if (!movedTo) {
-        return movedTo.error();
-    }
-    auto fresh = openStore(platform, storePath, model);
-    if (fresh) {
-        const auto saved =
-            zrm_carryRecordsOver(platform, movedTo.value(), fresh.value()->database());
-        zrm_logError(fresh.value().get(), "Statistics storage was damaged and is now at '" +
-                                              movedTo.value() +
-                                              "', records carried over: " + std::to_string(saved));
-    }
-    return fresh;
+    return repairStore(platform, storePath, model);
 }

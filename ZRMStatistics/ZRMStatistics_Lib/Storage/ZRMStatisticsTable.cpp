@@ -41,12 +41,7 @@ std::int16_t integer16(std::int64_t value) {
 std::vector<ZRMStatisticsTable::Row> readRows(SQLite::Statement& statement) {
     std::vector<ZRMStatisticsTable::Row> rows;
     while (statement.executeStep()) {
-        rows.push_back({statement.getColumn(0).getInt64(), statement.getColumn(1).getDouble(),
-                        statement.getColumn(2).getDouble(),
-                        integer16(statement.getColumn(3).getInt64()),
-                        integer16(statement.getColumn(4).getInt64()),
-                        static_cast<std::size_t>(
-                            std::max<std::int64_t>(0, statement.getColumn(5).getInt64()))});
+        rows.push_back(ZRMStatisticsTable::rowAt(statement));
     }
     return rows;
 }
@@ -76,6 +71,16 @@ ZRMStatisticsTable::ZRMStatisticsTable(SQLite::Database& database)
       withBytes_(database, kSelectWithBytes),
       bytes_(database, "SELECT jws FROM ZRMStatisticEntity WHERE id = ?"),
       totals_(database, kSelectTotals) {}
+
+ZRMStatisticsTable::Row ZRMStatisticsTable::rowAt(SQLite::Statement& statement) {
+    const auto length = std::max<std::int64_t>(0, statement.getColumn(5).getInt64());
+    return {statement.getColumn(0).getInt64(),
+            statement.getColumn(1).getDouble(),
+            statement.getColumn(2).getDouble(),
+            integer16(statement.getColumn(3).getInt64()),
+            integer16(statement.getColumn(4).getInt64()),
+            static_cast<std::size_t>(length)};
+}
 
 std::int64_t ZRMStatisticsTable::insert(const Row& row, const ZRMData& jws) {
     const StatementUse use(insert_);

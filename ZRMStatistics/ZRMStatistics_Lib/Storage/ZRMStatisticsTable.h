@@ -28,6 +28,9 @@ class ZRMStatisticsTable {
     static const char* const kSelectWithBytes;
     static const char* const kSelectTotals;
 
+    // The row in the first six columns of a statement that stands on one, in kSelectAll's order.
+    static Row rowAt(SQLite::Statement& statement);
+
     // The table must be there; the database outlives this.
     explicit ZRMStatisticsTable(SQLite::Database& database);
 

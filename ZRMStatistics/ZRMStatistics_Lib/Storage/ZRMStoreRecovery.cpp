@@ -3,19 +3,29 @@
 #include <array>
 #include <cstdint>
 #include <limits>
-#include <optional>
+#include <utility>
 
 #include <SQLiteCpp/Statement.h>
 #include <SQLiteCpp/Transaction.h>
 
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSFileManager/NSFileManager+ZRMCoreKit.h"
 #include "ZRMStatistics/ZRMStatistics_Lib/Storage/ZRMStatisticsTable.h"
 
 namespace {
 
-constexpr std::array<const char*, 2> kCompanionSuffixes = {"-wal", "-shm"};
+// In the order of their moving. The log goes before the store: a store without its log only lacks
+// the last changes, but a log without its store is deleted by whoever opens a store there.
+constexpr std::array<const char*, 3> kSuffixes = {"-wal", "-shm", ""};
 
 std::string markPath(const std::string& storePath) {
     return storePath + ".damaged";
+}
+
+// Where a repair that got no further was moving the store, as its mark says; or empty.
+std::string notedPath(const ZRMFileManager& files, const std::string& storePath) {
+    const auto noted = files.readFile(markPath(storePath));
+    auto path = noted ? zrm_textFromData(noted.value()) : std::string();
+    return path.starts_with(markPath(storePath) + "-") ? path : std::string();
 }
 
 // Reads a damaged table from one end. The order of the numbers is the order of the file, so the
@@ -42,11 +52,8 @@ class Scan {
                 return std::nullopt;
             }
             Record record;
-            record.row = {statement_->getColumn(0).getInt64(), statement_->getColumn(1).getDouble(),
-                          statement_->getColumn(2).getDouble(),
-                          static_cast<std::int16_t>(statement_->getColumn(3).getInt()),
-                          static_cast<std::int16_t>(statement_->getColumn(4).getInt())};
-            const auto jws = statement_->getColumn(5);
+            record.row = ZRMStatisticsTable::rowAt(*statement_);
+            const auto jws = statement_->getColumn(6);
             const auto* bytes = static_cast<const std::uint8_t*>(jws.getBlob());
             record.jws.assign(bytes, bytes + jws.getBytes());
             return record;
@@ -59,7 +66,7 @@ class Scan {
     Scan(SQLite::Database& damaged, const char* order, std::int64_t after) {
         try {
             statement_.emplace(damaged, std::string("SELECT id, storeTimestamp, lastTryTimestamp, "
-                                                    "activeDays, priority, jws "
+                                                    "activeDays, priority, length(jws), jws "
                                                     "FROM ZRMStatisticEntity NOT INDEXED "
                                                     "WHERE id > ? ") +
                                             order);
@@ -72,18 +79,34 @@ class Scan {
     std::optional<SQLite::Statement> statement_;
 };
 
-// Upwards to the damage, then downwards to it from the other end.
-std::size_t copyReadable(SQLite::Database& damaged, SQLite::Database& fresh) {
+// Absent when not even the file's beginning can be read.
+std::optional<SQLite::Database> openDamaged(const ZRMPlatform& platform, const std::string& path) {
+    try {
+        // Writable, because the log beside the file may have to be read into it.
+        return SQLite::Database(path, SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX, 0,
+                                platform.directories->databaseFileLayer());
+    } catch (const SQLite::Exception&) {
+        return std::nullopt;
+    }
+}
+
+// Upwards to the damage, then downwards to it from the other end. Throws what `fresh` throws.
+std::size_t copyReadable(const ZRMPlatform& platform, const std::string& damagedPath,
+                         SQLite::Database& fresh) {
+    auto damaged = openDamaged(platform, damagedPath);
+    if (!damaged) {
+        return 0;
+    }
     ZRMStatisticsTable table(fresh);
     std::size_t copied = 0;
     auto last = std::numeric_limits<std::int64_t>::min();
-    auto up = Scan::upwards(damaged);
+    auto up = Scan::upwards(*damaged);
     while (const auto record = up.next()) {
         table.insert(record->row, record->jws);
         last = record->row.id;
         ++copied;
     }
-    auto down = Scan::downwards(damaged, last);
+    auto down = Scan::downwards(*damaged, last);
     while (const auto record = down.next()) {
         table.insert(record->row, record->jws);
         ++copied;
@@ -101,36 +124,53 @@ bool zrm_isStoreMarkedDamaged(const ZRMFileManager& fileManager, const std::stri
     return fileManager.fileExists(markPath(storePath));
 }
 
-ZRMResult<std::string> zrm_moveStoreAside(const ZRMPlatform& platform,
-                                          const std::string& storePath) {
+ZRMResult<std::optional<std::string>> zrm_moveStoreAside(const ZRMPlatform& platform,
+                                                         const std::string& storePath) {
     auto& files = *platform.fileManager;
-    const auto seconds = static_cast<std::int64_t>(platform.clock->now().secondsSince1970);
-    const auto movedPath = storePath + ".damaged-" + std::to_string(seconds);
-    if (auto error = files.moveItem(storePath, movedPath)) {
+    auto movedPath = notedPath(files, storePath);
+    if (!movedPath.empty() && files.fileExists(movedPath)) {
+        return std::optional(std::move(movedPath));
+    }
+    if (!files.fileExists(storePath)) {
+        return std::optional<std::string>();
+    }
+    if (movedPath.empty()) {
+        movedPath = zrm_pathForDamagedItem(files, storePath, platform.clock->now());
+    }
+    // Noted before anything moves, so that a process that ends meanwhile is carried on from.
+    if (auto error = files.writeFileAtomically(markPath(storePath), zrm_dataFromText(movedPath))) {
         return *std::move(error);
     }
-    for (const auto* suffix : kCompanionSuffixes) {
+    for (const auto* suffix : kSuffixes) {
         if (files.fileExists(storePath + suffix)) {
-            files.moveItem(storePath + suffix, movedPath + suffix);
+            if (auto error = files.moveItem(storePath + suffix, movedPath + suffix)) {
+                return *std::move(error);
+            }
         }
     }
-    if (files.fileExists(markPath(storePath))) {
-        files.removeItem(markPath(storePath));
-    }
-    return movedPath;
+    return std::optional(std::move(movedPath));
 }
 
-std::size_t zrm_carryRecordsOver(const ZRMPlatform& platform, const std::string& damagedPath,
-                                 SQLite::Database& fresh) {
+std::optional<std::size_t> zrm_carryRecordsOver(const ZRMPlatform& platform,
+                                                const std::string& damagedPath,
+                                                SQLite::Database& fresh) {
     try {
-        // Writable, because the log beside the file may have to be read into it.
-        SQLite::Database damaged(damagedPath, SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX, 0,
-                                 platform.directories->databaseFileLayer());
         SQLite::Transaction transaction(fresh);
-        const auto copied = copyReadable(damaged, fresh);
+        // Records that are there already came with an earlier repair that got so far.
+        const auto present = ZRMStatisticsTable(fresh).totals().count;
+        if (present > 0) {
+            return static_cast<std::size_t>(present);
+        }
+        const auto copied = copyReadable(platform, damagedPath, fresh);
         transaction.commit();
         return copied;
     } catch (const SQLite::Exception&) {
-        return 0;
+        return std::nullopt;
+    }
+}
+
+void zrm_finishStoreRepair(ZRMFileManager& fileManager, const std::string& storePath) {
+    if (zrm_isStoreMarkedDamaged(fileManager, storePath)) {
+        fileManager.removeItem(markPath(storePath));
     }
 }

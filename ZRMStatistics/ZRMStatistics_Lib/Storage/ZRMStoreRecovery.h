@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
 #include <SQLiteCpp/Database.h>
@@ -13,12 +14,17 @@ void zrm_markStoreDamaged(ZRMFileManager& fileManager, const std::string& storeP
 [[nodiscard]] bool zrm_isStoreMarkedDamaged(const ZRMFileManager& fileManager,
                                             const std::string& storePath);
 
-// Moves the store with its log to a name that ends in the time (seconds since 1970) and takes the
-// mark away. Returns the new path.
-ZRMResult<std::string> zrm_moveStoreAside(const ZRMPlatform& platform,
-                                          const std::string& storePath);
+// Moves the store with its log to a name that ends in the time (seconds since 1970) and returns the
+// new path; absent when there is no store. The mark keeps the path until the repair is finished:
+// when the process ends before that, the next call goes on with the same path.
+ZRMResult<std::optional<std::string>> zrm_moveStoreAside(const ZRMPlatform& platform,
+                                                         const std::string& storePath);
 
-// Copies every record that can be read into `fresh`, in one transaction, and returns their number.
-// A failure of `fresh` leaves it empty and counts as none.
-std::size_t zrm_carryRecordsOver(const ZRMPlatform& platform, const std::string& damagedPath,
-                                 SQLite::Database& fresh);
+// Copies every record that can be read into `fresh`, all or nothing, and returns their number.
+// Absent when `fresh` cannot be written; it is then as before.
+std::optional<std::size_t> zrm_carryRecordsOver(const ZRMPlatform& platform,
+                                                const std::string& damagedPath,
+                                                SQLite::Database& fresh);
+
+// Takes the mark away.
+void zrm_finishStoreRepair(ZRMFileManager& fileManager, const std::string& storePath);

@@ -229,3 +229,82 @@ TEST_F(ZRMStatisticsStorageTest, StoreThatCannotBeReadNowIsKept) {
     device_.disk().faults().clear();
     EXPECT_THAT(contents(*openContext()), ElementsAre("event"));
 }
+
+TEST_F(ZRMStatisticsStorageTest, KeepsEveryDamagedStoreAlsoThoseOfOneSecond) {
+    for (const auto* name : {"first", "second"}) {
+        device_.disk().put(kStorePath, name + std::string(5000, 'x'));
+        EXPECT_TRUE(openStorage());
+        restart();
+    }
+    const std::string moved = std::string(kStorePath) + ".damaged-176722560";
+    EXPECT_THAT(zrm_textFromData(device_.disk().bytesOf(moved + "0")), StartsWith("first"));
+    EXPECT_THAT(zrm_textFromData(device_.disk().bytesOf(moved + "1")), StartsWith("second"));
+}
+
+TEST_F(ZRMStatisticsStorageTest, MarkWithoutAStoreIsForgotten) {
+    device_.disk().put(std::string(kStorePath) + ".damaged", "");
+    EXPECT_TRUE(openStorage());
+    EXPECT_FALSE(device_.disk().holdsFile(std::string(kStorePath) + ".damaged"));
+    EXPECT_TRUE(errors().empty());
+}
+
+TEST_F(ZRMStatisticsStorageTest, MarkThatNamesAForeignFileLeavesItAlone) {
+    insert(*openContext(), "event", 1);
+    restart();
+    device_.disk().put("/device/data/foreign", "foreign");
+    device_.disk().put(std::string(kStorePath) + ".damaged", "/device/data/foreign");
+    EXPECT_THAT(contents(*openContext()), ElementsAre("event"));
+    EXPECT_EQ(zrm_textFromData(device_.disk().bytesOf("/device/data/foreign")), "foreign");
+}
+
+TEST_F(ZRMStatisticsStorageTest, NumbersThatDoNotFitBecomeTheNearestOnesInARepairToo) {
+    insert(*openContext(), "event", 1);
+    openDatabase().exec("UPDATE ZRMStatisticEntity SET activeDays = 70000, priority = -70000");
+    restart();
+    device_.disk().put(std::string(kStorePath) + ".damaged", "");
+    const auto context = openContext();
+    ASSERT_EQ(records(*context).size(), 1U);
+    EXPECT_EQ(records(*context)[0].activeDays, 32767);
+    EXPECT_EQ(records(*context)[0].priority, -32768);
+}
+
+TEST_F(ZRMStatisticsStorageTest, LogThatCannotBeMovedKeepsTheStoreForTheNextRepair) {
+    auto holder = openContext();
+    insert(*holder, "event", 1);
+    restart(ZRMSimulatedLoss::All);
+    ASSERT_TRUE(device_.disk().holdsFile(std::string(kStorePath) + "-wal"));
+    device_.disk().put(std::string(kStorePath) + ".damaged", "");
+    device_.disk().faults().add({ZRMSimulatedDiskOperation::Move, "*-wal"});
+    EXPECT_FALSE(openStorage());
+    EXPECT_TRUE(device_.disk().holdsFile(kStorePath));
+    device_.disk().faults().clear();
+    EXPECT_THAT(contents(*openContext()), ElementsAre("event"));
+}
+
+// Wherever the process ends, the next one carries every record over once and keeps the evidence.
+TEST_F(ZRMStatisticsStorageTest, NoMomentOfAKillDuringARepairLosesARecordOrTheDamagedStore) {
+    bool wasKilled = true;
+    std::uint64_t number = 0;
+    while (wasKilled) {
+        ++number;
+        SCOPED_TRACE("killed before disk operation " + std::to_string(number));
+        ASSERT_LT(number, 500U);
+        device_.platform()->fileManager->removeItem("/device/data");
+        {
+            const auto context = openContext();
+            insert(*context, "one", 1);
+            insert(*context, "two", 2);
+        }
+        restart();
+        device_.disk().put(std::string(kStorePath) + ".damaged", "");
+        device_.killAtDiskOperation(device_.disk().faults().operationCount() + number);
+        static_cast<void>(openStorage());
+        wasKilled = !device_.isProcessAlive();
+        device_.disk().faults().setHook(nullptr);
+        restart(ZRMSimulatedLoss::None);
+        EXPECT_THAT(contents(*openContext()), ElementsAre("one", "two"));
+        EXPECT_FALSE(device_.disk().holdsFile(std::string(kStorePath) + ".damaged"));
+        EXPECT_TRUE(device_.disk().holdsFile(std::string(kStorePath) + ".damaged-1767225600"));
+    }
+    EXPECT_GT(number, 20U);
+}
