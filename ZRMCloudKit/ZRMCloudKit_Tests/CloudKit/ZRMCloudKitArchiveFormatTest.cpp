@@ -1,10 +1,8 @@
 // The archive file as builds before this one wrote it on Linux (docs/formats/archive.md).
-#include <fstream>
-#include <iterator>
-
 #include <gtest/gtest.h>
 
 #include "ZRMCloudKit/ZRMCloudKit_Lib/CloudKit/ZRMCloudKitSettingsValues.h"
+#include "ZRMCloudKit/ZRMCloudKit_Tests/Support/ZRMGoldenFile.h"
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 
 namespace {
@@ -22,9 +20,7 @@ ZRMCloudKitSettingsValues exampleValues() {
 }
 
 ZRMData goldenArchive() {
-    std::ifstream file(std::string(ZRM_GOLDEN_DIRECTORY) + "/ZRMCloudKitSettings",
-                       std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    return zrm_dataFromText(zrm_goldenFile("ZRMCloudKitSettings"));
 }
 
 TEST(ZRMCloudKitArchiveFormat, StillReadsTheArchivesOfEarlierBuilds) {

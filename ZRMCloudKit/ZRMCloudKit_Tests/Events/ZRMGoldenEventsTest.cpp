@@ -1,9 +1,7 @@
 // Every event as the simulated device produces it, whole, against the document in Golden/.
-#include <fstream>
-#include <sstream>
-
 #include "ZRMCloudKit/ZRMCloudKit_Tests/Support/ZRMCloudKitFixture.h"
 #include "ZRMCloudKit/ZRMCloudKit_Tests/Support/ZRMFakeDetectors.h"
+#include "ZRMCloudKit/ZRMCloudKit_Tests/Support/ZRMGoldenFile.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/UIDevice/UIDevice+ZRMCoreKit.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Json/ZRMJsonText.h"
 #include "ZRMSystemWatcher/ZRMSystemWatcher_Tests/ZRMSignedImageWriter.h"
@@ -48,10 +46,7 @@ class ZRMGoldenEvents : public ZRMCloudKitFixture {
         ASSERT_FALSE(service_->sent.empty());
         const auto text = zrm_prettyJsonText(service_->sent.back().parameters);
         ASSERT_TRUE(text);
-        std::ifstream file(std::string(ZRM_GOLDEN_DIRECTORY) + "/" + type + ".json");
-        std::stringstream golden;
-        golden << file.rdbuf();
-        EXPECT_EQ(text.value() + "\n", golden.str());
+        EXPECT_EQ(text.value() + "\n", zrm_goldenFile(type + ".json"));
     }
 
     std::shared_ptr<ZRMFakeVpnDetector> vpn_;

@@ -8,7 +8,10 @@ ZRMEventTable<ZRMUserLoginEvent> ZRMUserLoginEvent::table() {
         zrm_eventField<&ZRMUserLoginEvent::reportedUserName>("userName",
                                                              "the user's name, unless it is empty"),
         zrm_eventField<&ZRMUserLoginEvent::userId>("userId", "the user's identifier"),
-        zrm_eventField<&ZRMUserLoginEvent::result>("result", "how the login ended, by name"),
+        zrm_eventField<&ZRMUserLoginEvent::result>(
+            "result",
+            "SUCCESS, INCORRECT_LOGIN, INCORRECT_PASSWORD, DROP_CONNECTION, CLOSE_APPLICATION, "
+            "AUTH_TIMEOUT or UNKNOWN_ERROR"),
     };
     return {"UserLoginEvent", 2, kZRMEventPermissionNone, kFields};
 }

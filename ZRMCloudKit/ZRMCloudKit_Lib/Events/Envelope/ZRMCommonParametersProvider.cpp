@@ -1,17 +1,9 @@
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Envelope/ZRMCommonParametersProvider.h"
 
-#include <optional>
+#include <array>
 #include <utility>
 
-#include "ZRMCloudKit/ZRMCloudKit_Lib/Categories/NSString/NSString+ZRMCloudKit.h"
-
 namespace {
-
-void setIfPresent(ZRMDictionary& parameters, const char* key, std::optional<std::string> text) {
-    if (text) {
-        parameters[key] = std::move(*text);
-    }
-}
 
 // Whole seconds: the milliseconds are dropped.
 std::optional<ZRMDate> serverDate(const ZRMServerTimeProvider* provider) {
@@ -21,7 +13,36 @@ std::optional<ZRMDate> serverDate(const ZRMServerTimeProvider* provider) {
     return ZRMDate{static_cast<double>(provider->getTime() / 1000)};
 }
 
+std::optional<ZRMDictionary> permissionStates(const ZRMEventPermissionChecker& checker,
+                                              ZRMEventPermissions mask) {
+    if (mask == kZRMEventPermissionNone) {
+        return {};
+    }
+    ZRMDictionary states;
+    if ((mask & kZRMEventPermissionLocation) != 0) {
+        states["location"] = checker.isPermissionGranted(kZRMEventPermissionLocation);
+    }
+    return states;
+}
+
 }  // namespace
+
+std::span<const ZRMEventField<ZRMCommonParameters>> ZRMCommonParameters::fields() {
+    using Parameters = ZRMCommonParameters;
+    static constexpr std::array kFields{
+        zrm_eventField<&Parameters::environmentData>("environmentData",
+                                                     "the environment at the library's start"),
+        zrm_eventField<&Parameters::eventDate>("eventDateTime", "when the event was built"),
+        zrm_eventField<&Parameters::structVersion>("structVersion",
+                                                   "version of this event type's layout"),
+        zrm_eventField<&Parameters::serverDate>(
+            "serverEventDateTime", "the server's time in whole seconds, once it is known"),
+        zrm_eventField<&Parameters::permissions>(
+            "permissions",
+            "\"location\": bool, whether it is granted; only where the event reports it"),
+    };
+    return kFields;
+}
 
 ZRMCommonParametersProvider::ZRMCommonParametersProvider(
     std::shared_ptr<const ZRMEnvironmentDataImpl> enviromentData,
@@ -34,19 +55,8 @@ ZRMCommonParametersProvider::ZRMCommonParametersProvider(
 
 ZRMDictionary ZRMCommonParametersProvider::parametersWithStructVersion(
     std::uint64_t structVersion, ZRMEventPermissions eventPermissions) const {
-    ZRMDictionary parameters;
-    parameters["environmentData"] = environmentData_->dictionary();
-    setIfPresent(parameters, "eventDateTime", zrm_stringFromDate(eventDate_));
-    parameters["structVersion"] = structVersion;
-    setIfPresent(parameters, "serverEventDateTime",
-                 zrm_stringFromDate(serverDate(serverTimeProvider_.get())));
-    if (eventPermissions != kZRMEventPermissionNone) {
-        ZRMDictionary permissions;
-        if ((eventPermissions & kZRMEventPermissionLocation) != 0) {
-            permissions["location"] =
-                permissionsChecker_->isPermissionGranted(kZRMEventPermissionLocation);
-        }
-        parameters["permissions"] = std::move(permissions);
-    }
-    return parameters;
+    const ZRMCommonParameters parameters{environmentData_->dictionary(), eventDate_, structVersion,
+                                         serverDate(serverTimeProvider_.get()),
+                                         permissionStates(*permissionsChecker_, eventPermissions)};
+    return zrm_eventBody(parameters, ZRMCommonParameters::fields());
 }

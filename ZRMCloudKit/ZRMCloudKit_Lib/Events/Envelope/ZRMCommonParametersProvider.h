@@ -3,10 +3,23 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <span>
 
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Envelope/ZRMEnvironmentDataImpl.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Envelope/ZRMEventPermissionChecker.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/ServerTime/ZRMServerTimeProvider.h"
+
+// A plain record; what is absent is left out.
+struct ZRMCommonParameters {
+    ZRMDictionary environmentData;
+    ZRMDate eventDate;
+    std::uint64_t structVersion = 0;
+    std::optional<ZRMDate> serverDate;
+    std::optional<ZRMDictionary> permissions;
+
+    static std::span<const ZRMEventField<ZRMCommonParameters>> fields();
+};
 
 // Immutable; may be used from any thread.
 class ZRMCommonParametersProvider {
