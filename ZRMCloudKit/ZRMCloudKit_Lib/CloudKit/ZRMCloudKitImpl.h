@@ -75,6 +75,7 @@ class ZRMCloudKitImpl final : public ZRMCloudKit,
     [[nodiscard]] std::map<std::string, std::string> customHeaders() const override;
 
     [[nodiscard]] const std::shared_ptr<ZRMCloudKitSettings>& settings() const { return settings_; }
+    [[nodiscard]] const ZRMOperationQueue& queue() const { return queue_; }
 
   private:
     // What start() makes, whole or not at all.

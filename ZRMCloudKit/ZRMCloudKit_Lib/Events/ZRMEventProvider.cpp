@@ -4,11 +4,11 @@
 
 ZRMEventProvider::ZRMEventProvider(
     std::shared_ptr<ZRMClock> clock, std::shared_ptr<const ZRMEnvironmentDataImpl> enviromentData,
-    std::shared_ptr<const ZRMEventPermissionChecker> permissionChecker,
+    std::shared_ptr<const ZRMEventPermissionChecker> permissionsChecker,
     std::shared_ptr<const ZRMServerTimeProvider> serverTimeProvider)
     : clock_(std::move(clock)),
       environmentData_(std::move(enviromentData)),
-      permissionChecker_(std::move(permissionChecker)),
+      permissionChecker_(std::move(permissionsChecker)),
       serverTimeProvider_(std::move(serverTimeProvider)) {}
 
 std::shared_ptr<const ZRMCommonParametersProvider> ZRMEventProvider::commonParametersProvider()

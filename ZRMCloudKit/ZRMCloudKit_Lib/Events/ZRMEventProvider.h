@@ -28,7 +28,7 @@ class ZRMEventProvider {
     // The server time provider may be absent. "enviromentData" is the interface's own spelling.
     ZRMEventProvider(std::shared_ptr<ZRMClock> clock,
                      std::shared_ptr<const ZRMEnvironmentDataImpl> enviromentData,
-                     std::shared_ptr<const ZRMEventPermissionChecker> permissionChecker,
+                     std::shared_ptr<const ZRMEventPermissionChecker> permissionsChecker,
                      std::shared_ptr<const ZRMServerTimeProvider> serverTimeProvider);
 
     // The common parameters of an event that is built now.

@@ -15,6 +15,12 @@ TEST_F(ZRMCloudKitImplTest, LoadsItsSettingsBelowTheDataDirectoryWhenMade) {
     EXPECT_EQ(core->settings()->directory(), "/device/data/ZRMCloudKit");
 }
 
+TEST_F(ZRMCloudKitImplTest, NamesItsQueueAfterTheClassAndRunsItsWorkSideBySide) {
+    const auto core = makeCore();
+    EXPECT_EQ(core->queue().name(), "ZRMCloudKitImpl.queue");
+    EXPECT_EQ(core->queue().maxConcurrentOperationCount(), ZRMOperationQueue::kUnlimited);
+}
+
 TEST_F(ZRMCloudKitImplTest, SendsNothingAndKnowsNoTagBeforeItIsStarted) {
     detectors_.touchId = std::make_shared<ZRMFakeTouchId>(ZRMTouchIdInfo(true, true, ZRMData{1}));
     detectors_.bundleHasher = std::make_shared<ZRMFakeBundleHasher>(ZRMData(16, 1));

@@ -23,14 +23,43 @@ ZRMDictionary bodyOf(const ZRMCloudKitEvent& event) {
     return body;
 }
 
+class FixedDetector final : public ZRMDeviceJailbreakDetector {
+  public:
+    FixedDetector(ZRMDeviceJailbreakDetectorType type, bool verdict)
+        : type_(type), verdict_(verdict) {}
+    bool isJailbroken() override { return verdict_; }
+    [[nodiscard]] ZRMDeviceJailbreakDetectorType detectorType() const override { return type_; }
+
+  private:
+    ZRMDeviceJailbreakDetectorType type_;
+    bool verdict_;
+};
+
+std::shared_ptr<ZRMDeviceJailbreakDetectorCollection> detectorsOf(
+    const std::vector<std::pair<ZRMDeviceJailbreakDetectorType, bool>>& verdicts) {
+    ZRMDeviceJailbreakDetectorCollection::Detectors detectors;
+    for (const auto& [type, verdict] : verdicts) {
+        detectors.push_back(std::make_shared<FixedDetector>(type, verdict));
+    }
+    return std::make_shared<ZRMDeviceJailbreakDetectorCollection>(detectors, false);
+}
+
 class ZRMEventCatalogue : public testing::Test {
   protected:
+    ZRMDictionary jailbreakBody(
+        const std::vector<std::pair<ZRMDeviceJailbreakDetectorType, bool>>& verdicts) {
+        return bodyOf(
+            *provider_.jailbreakEventWithDetectorCollection(detectorsOf(verdicts), watcher_));
+    }
+
     ZRMSimulatedDevice device_;
     ZRMScopedPlatform installed_{device_};
     ZRMEventProvider provider_{
         device_.platform()->clock, std::make_shared<ZRMEnvironmentDataImpl>(),
         std::make_shared<ZRMEventPermissionChecker>(device_.platform()->locationAuthorization),
         nullptr};
+    std::shared_ptr<ZRMDyldWatcher> watcher_ =
+        std::make_shared<ZRMDyldWatcher>(device_.platform()->loader);
 };
 
 TEST_F(ZRMEventCatalogue, NamesTypeAndVersionOfEveryEventAndReportsNoPermission) {
@@ -50,6 +79,10 @@ TEST_F(ZRMEventCatalogue, NamesTypeAndVersionOfEveryEventAndReportsNoPermission)
             {provider_.screenshotEvent(true), "iOSScreenshotEvent", 1},
             {provider_.screenRecordingEvent(true), "ScreenRecordingEvent", 1},
             {provider_.callInfoEventWithInitialCalls({}), "IOSCallInfoEvent", 1},
+            {provider_.applicationSignatureEventWithSignature({}), "IOSApplicationSignatureEvent",
+             1},
+            {provider_.jailbreakEventWithDetectorCollection(detectorsOf({}), watcher_),
+             "DeviceJailbreakEvent", 1},
         };
     for (const auto& [event, type, version] : events) {
         const auto parameters = event->parameters();
@@ -147,6 +180,64 @@ TEST_F(ZRMEventCatalogue, WritesTheChangedCallOnlyInTheStagesThatHaveOne) {
                   {"changedCall", callBody}, {"calls", ZRMJsonArray{callBody}}, {"stage", 2U}}));
 }
 
+TEST_F(ZRMEventCatalogue, ReportsEachJailbreakVerdictUnderItsOwnKey) {
+    const auto verdictsOf = [this](bool files, bool call, bool url) {
+        auto body = jailbreakBody({{ZRMDeviceJailbreakDetectorFSPermissions, files},
+                                   {ZRMDeviceJailbreakDetectorSysCalls, call},
+                                   {ZRMDeviceJailbreakDetectorUrlSchemes, url}});
+        body.erase("onloadImages");
+        body.erase("currentImages");
+        return body;
+    };
+    const auto bodyWith = [](bool files, unsigned call, bool url) {
+        return ZRMDictionary{
+            {"cydiaCheck", url}, {"systemFunctionCall", call}, {"writePermissionsInBundle", files}};
+    };
+    EXPECT_EQ(verdictsOf(true, false, false), bodyWith(true, 0, false));
+    EXPECT_EQ(verdictsOf(false, true, false), bodyWith(false, 1, false));
+    EXPECT_EQ(verdictsOf(false, false, true), bodyWith(false, 0, true));
+    EXPECT_TRUE(verdictsOf(true, true, true).at("systemFunctionCall").is_uint64());
+}
+
+TEST_F(ZRMEventCatalogue, ReportsNoJailbreakTraitThatNoDetectorLooksFor) {
+    const auto none = jailbreakBody({});
+    EXPECT_EQ(none.at("cydiaCheck"), false);
+    EXPECT_EQ(none.at("systemFunctionCall"), 0);
+    EXPECT_EQ(none.at("writePermissionsInBundle"), false);
+    EXPECT_EQ(jailbreakBody({{ZRMDeviceJailbreakDetectorFSPermissions, true},
+                             {ZRMDeviceJailbreakDetectorUrlSchemes, true}})
+                  .at("systemFunctionCall"),
+              0);
+}
+
+TEST_F(ZRMEventCatalogue, TellsRecordedImagesFromThoseThatAreLoadedNow) {
+    device_.loader().load("/app", 0x100000000);
+    watcher_->addAttachedDyldImage({"/gone\xFF", 18446744073709551615U});
+    const auto body = jailbreakBody({});
+    EXPECT_EQ(body.at("onloadImages"),
+              ZRMJsonValue(ZRMJsonArray{
+                  ZRMDictionary{{"path", "/gone\uFFFD"}, {"vmaddr", 18446744073709551615U}}}));
+    EXPECT_EQ(body.at("currentImages"),
+              ZRMJsonValue(ZRMJsonArray{
+                  ZRMDictionary{{"path", "/app"}, {"vmaddr", std::uint64_t{0x100000000}}}}));
+}
+
+TEST_F(ZRMEventCatalogue, WritesAbsentHashesOfASignatureAsEmptyTextsAndKeepsTheOrder) {
+    const auto digests = device_.platform()->digests;
+    const auto body = bodyOf(*provider_.applicationSignatureEventWithSignature(
+        {{digests, ZRMCodeSignatureHashType::Sha256, {}},
+         {digests, ZRMCodeSignatureHashType::Sha1, {}}}));
+    const auto entryOf = [](unsigned hashType) {
+        return ZRMDictionary{{"codeDirectoryHash", ""}, {"entitlementsHash", ""},
+                             {"requirementsHash", ""},  {"infoPlistHash", ""},
+                             {"hashType", hashType},    {"slotsHash", ZRMJsonArray()}};
+    };
+    EXPECT_EQ(body,
+              (ZRMDictionary{{"applicationSignatures", ZRMJsonArray{entryOf(2), entryOf(1)}}}));
+    EXPECT_EQ(bodyOf(*provider_.applicationSignatureEventWithSignature({})),
+              (ZRMDictionary{{"applicationSignatures", ZRMJsonArray()}}));
+}
+
 TEST_F(ZRMEventCatalogue, StaysWritableWhateverTextTheHostHandsIn) {
     const std::string hostile("\xFF\x00\xED\xA0\x80\"\\\n", 8);
     const ZRMDictionary config{{hostile, hostile}};
@@ -178,6 +269,10 @@ TEST_F(ZRMEventCatalogue, KeepsWhatItWasMadeFrom) {
     EXPECT_EQ(call->stage(), 1U);
     EXPECT_EQ(call->changedCall(), ZRMCall());
     EXPECT_TRUE(call->calls().empty());
+    const auto detectors = detectorsOf({});
+    const auto jailbreak = provider_.jailbreakEventWithDetectorCollection(detectors, watcher_);
+    EXPECT_EQ(jailbreak->detectorCollection(), detectors);
+    EXPECT_EQ(jailbreak->dyldWatcher(), watcher_);
 }
 
 // A body that says what the common parameters say as well.

@@ -20,6 +20,14 @@ class ZRMDeviceJailbreakEvent final : public ZRMTableEvent<ZRMDeviceJailbreakEve
         std::shared_ptr<ZRMDyldWatcher> dyldWatcher,
         std::shared_ptr<const ZRMCommonParametersProvider> provider);
 
+    [[nodiscard]] const std::shared_ptr<ZRMDeviceJailbreakDetectorCollection>& detectorCollection()
+        const {
+        return detectorCollection_;
+    }
+    [[nodiscard]] const std::shared_ptr<ZRMDyldWatcher>& dyldWatcher() const {
+        return dyldWatcher_;
+    }
+
     // A type that the collection lacks is not a trait.
     [[nodiscard]] bool cydiaCheck() const;
     [[nodiscard]] std::uint64_t systemFunctionCall() const;  // 1 or 0

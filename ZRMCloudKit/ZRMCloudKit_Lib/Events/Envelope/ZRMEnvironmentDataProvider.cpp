@@ -14,11 +14,11 @@ std::shared_ptr<ZRMEnvironmentDataProvider> ZRMEnvironmentDataProvider::provider
 }
 
 ZRMEnvironmentDataProvider::ZRMEnvironmentDataProvider(
-    std::shared_ptr<const ZRMPlatform> platform, std::string clientId, std::string execSessionId,
-    std::string deviceTag, std::optional<std::string> productName,
+    std::shared_ptr<const ZRMPlatform> platform, std::string withClientId,
+    std::string execSessionId, std::string deviceTag, std::optional<std::string> productName,
     std::optional<std::string> productVersion, std::optional<ZRMDate> installationDate)
     : platform_(std::move(platform)),
-      clientId_(std::move(clientId)),
+      clientId_(std::move(withClientId)),
       execSessionId_(std::move(execSessionId)),
       deviceTag_(std::move(deviceTag)),
       productName_(std::move(productName)),

@@ -16,9 +16,10 @@ class ZRMEnvironmentDataProvider {
         std::string execSessionId, std::string deviceTag, std::optional<std::string> productName,
         std::optional<std::string> productVersion, std::optional<ZRMDate> installationDate);
 
-    ZRMEnvironmentDataProvider(std::shared_ptr<const ZRMPlatform> platform, std::string clientId,
-                               std::string execSessionId, std::string deviceTag,
-                               std::optional<std::string> productName,
+    // "withClientId" is the interface's own spelling.
+    ZRMEnvironmentDataProvider(std::shared_ptr<const ZRMPlatform> platform,
+                               std::string withClientId, std::string execSessionId,
+                               std::string deviceTag, std::optional<std::string> productName,
                                std::optional<std::string> productVersion,
                                std::optional<ZRMDate> installationDate);
 
