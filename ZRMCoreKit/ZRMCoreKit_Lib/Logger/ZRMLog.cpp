@@ -1,19 +1,14 @@
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLog.h"
 
-#include <array>
-#include <cstdio>
-
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLoggerCollection.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMText.h"
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 
 std::string zrm_logText(const void* object, std::string_view file, int line,
                         std::string_view text) {
     const auto lastComponent = file.substr(file.find_last_of('/') + 1);
-    std::array<char, 2 + 2 * sizeof(void*) + 1> address{};
-    std::snprintf(address.data(), address.size(), "0x%llx",
-                  static_cast<unsigned long long>(reinterpret_cast<std::uintptr_t>(object)));
     std::string whole = "<";
-    whole.append(address.data()).append(" ").append(lastComponent).append(":(");
+    whole.append(zrm_addressText(object)).append(" ").append(lastComponent).append(":(");
     whole.append(std::to_string(line)).append(")> ").append(text);
     return whole;
 }

@@ -1,5 +1,9 @@
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMText.h"
 
+#include <array>
+#include <cstdint>
+#include <cstdio>
+
 #include <unicode/locid.h>
 #include <unicode/uchar.h>
 
@@ -87,4 +91,11 @@ std::string zrm_uppercasedText(std::string_view text) {
     std::string uppered;
     zrm_unicodeString(text).toUpper(icu::Locale::getRoot()).toUTF8String(uppered);
     return uppered;
+}
+
+std::string zrm_addressText(const void* address) {
+    std::array<char, 2 + 2 * sizeof(void*) + 1> text{};
+    std::snprintf(text.data(), text.size(), "0x%llx",
+                  static_cast<unsigned long long>(reinterpret_cast<std::uintptr_t>(address)));
+    return text.data();
 }

@@ -22,3 +22,6 @@
 // Unicode case mapping without regard to any locale; ill-formed sequences become U+FFFD.
 [[nodiscard]] std::string zrm_lowercasedText(std::string_view text);
 [[nodiscard]] std::string zrm_uppercasedText(std::string_view text);
+
+// An address for people, "0x" and lower-case hexadecimal without leading zeros.
+[[nodiscard]] std::string zrm_addressText(const void* address);

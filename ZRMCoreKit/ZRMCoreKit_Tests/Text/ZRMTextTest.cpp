@@ -57,3 +57,8 @@ TEST(ZRMText, MapsCaseWithoutRegardToLocale) {
     EXPECT_EQ(zrm_lowercasedText(""), "");
     EXPECT_EQ(zrm_lowercasedText("A\xFF"), "a\xEF\xBF\xBD");
 }
+
+TEST(ZRMText, WritesAddressesInLowerCaseHexadecimalWithoutLeadingZeros) {
+    EXPECT_EQ(zrm_addressText(nullptr), "0x0");
+    EXPECT_EQ(zrm_addressText(reinterpret_cast<const void*>(std::uintptr_t{0xABCDEF})), "0xabcdef");
+}

@@ -1,11 +1,10 @@
 #include "ZRMStatistics/ZRMStatistics_Lib/Service/ZRMStatisticsServiceImpl.h"
 
-#include <array>
-#include <cstdio>
 #include <string>
 #include <utility>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLog.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMText.h"
 #include "ZRMStatistics/ZRMStatistics_Lib/Operations/ZRMCreateStatisticOperation.h"
 #include "ZRMStatistics/ZRMStatistics_Lib/Operations/ZRMDeleteStatisticOperation.h"
 #include "ZRMStatistics/ZRMStatistics_Lib/Operations/ZRMStatisticsTime.h"
@@ -14,15 +13,8 @@
 
 namespace {
 
-std::string identityText(const void* identity) {
-    std::array<char, 2 + 2 * sizeof(void*) + 1> text{};
-    std::snprintf(text.data(), text.size(), "0x%llx",
-                  static_cast<unsigned long long>(reinterpret_cast<std::uintptr_t>(identity)));
-    return text.data();
-}
-
 std::string contentText(const char* what, const void* identity, std::size_t length) {
-    return what + (" event with content: " + identityText(identity)) + " (" +
+    return what + (" event with content: " + zrm_addressText(identity)) + " (" +
            std::to_string(length) + " bytes)";
 }
 
@@ -236,7 +228,7 @@ void ZRMStatisticsServiceImpl::statisticsSenderDidSendData(ZRMStatisticsSender& 
 void ZRMStatisticsServiceImpl::statisticsSenderDidFailToSendData(ZRMStatisticsSender& /*sender*/,
                                                                  const Data& data,
                                                                  const ZRMError& error) {
-    zrm_logError(this, "Did fail to send event with content: " + identityText(data->identity()) +
+    zrm_logError(this, "Did fail to send event with content: " + zrm_addressText(data->identity()) +
                            " error: " + error.localizedDescription());
     if (storage_) {
         addStoreOperation(std::make_shared<ZRMUpdateStatisticOperation>(data, storage_->context(),
