@@ -300,6 +300,25 @@ TEST_F(ZRMCloudKitSignals, ReportTheVpnAtOnceAndThenEachChange) {
     EXPECT_TRUE(first.expired());
 }
 
+// Tells of a change as soon as it is started.
+class HastyVpnDetector final : public ZRMVpnDetecting {
+  public:
+    [[nodiscard]] bool isVpnConnected() const override { return true; }
+    void startDetection(std::function<void(bool)> completionHandler) override {
+        completionHandler(false);
+    }
+};
+
+TEST_F(ZRMCloudKitSignals, ReportTheVpnBeforeItsDetectionBegins) {
+    detectors_.makeVpnDetector = [] { return std::make_shared<HastyVpnDetector>(); };
+    const auto core = makeStartedCore();
+    core->sendVpnEvent();
+    device_.runUntilIdle();
+    ASSERT_THAT(sentTypes(), ElementsAre("VPNEvent", "VPNEvent"));
+    EXPECT_EQ(sentBody(0).at("transportVpn"), true);
+    EXPECT_EQ(sentBody(1).at("transportVpn"), false);
+}
+
 TEST_F(ZRMCloudKitSignals, ReportEachScreenshotAndNothingBefore) {
     const auto detector = std::make_shared<ZRMFakeScreenshotDetector>();
     detectors_.makeScreenshotDetector = [&detector] { return detector; };

@@ -7,13 +7,13 @@
 #include "ZRMCloudKit/ZRMCloudKit_Tests/Support/ZRMGoldenFile.h"
 
 TEST(ZRMEventsPage, IsWhatTheTablesAndTheGoldenDocumentsSay) {
-    EXPECT_EQ(zrm_textOfFile(ZRM_SOURCE_DIR "/docs/formats/events.md"), zrm_eventsPage())
+    EXPECT_EQ(zrm_eventsPageInSourceTree(), zrm_eventsPage())
         << "run zrm_events_page > docs/formats/events.md";
 }
 
 TEST(ZRMEventsPage, HasASectionForEveryGoldenDocument) {
     std::size_t documents = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(kZRMGoldenDirectory)) {
+    for (const auto& entry : std::filesystem::directory_iterator(zrm_goldenDirectory())) {
         if (entry.path().extension() == ".json") {
             ++documents;
             const auto heading = "\n## " + entry.path().stem().string() + "\n";
