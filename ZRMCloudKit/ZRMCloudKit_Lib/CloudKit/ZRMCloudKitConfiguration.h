@@ -20,7 +20,7 @@ struct ZRMCloudKitConfiguration {
     std::string productVersion = "0.0.1";
     std::string statisticsUrl = kZRMCloudKitDefaultStatisticsUrl;
     std::string secureDeviceTagUrl = kZRMCloudKitDefaultSecureDeviceTagUrl;
-    ZRMData jwsRootCertificate;                      // DER
+    ZRMData jwsRootCertificate;                      // PEM
     double applicationMd5StatisticInterval = 86400;  // seconds
     bool alwaysSendTouchIdChangedStatistic = false;
     ZRMDictionary appliedSettings;

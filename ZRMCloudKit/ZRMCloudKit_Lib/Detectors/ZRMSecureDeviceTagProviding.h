@@ -21,7 +21,7 @@ class ZRMSecureDeviceTagProviding {
 // What such a provider works with.
 struct ZRMSecureDeviceTagParameters {
     std::string url;
-    ZRMData rootCertificate;  // DER
+    ZRMData rootCertificate;  // PEM
     std::shared_ptr<ZRMCloudKitSettings> storage;
     std::shared_ptr<const ZRMEnvironmentDataImpl> environmentData;
     std::shared_ptr<ZRMServerTimeProvider> serverTimeProvider;  // may be absent

@@ -37,7 +37,8 @@ TEST(ZRMCloudKitUpload, BringsALoginToTheServerWithTheCoresHeader) {
     ASSERT_EQ(requests.size(), 1U);
     const auto* header = requests[0].request.headers.find("Mobile-UUID");
     ASSERT_NE(header, nullptr);
-    EXPECT_EQ(*header, "");
+    EXPECT_EQ(*header, core->secureDeviceTag());
+    EXPECT_TRUE(header->starts_with("L!"));
     const auto event = eventInBody(*requests[0].request.body);
     ASSERT_TRUE(event.is_object());
     const auto& login = event.at("UserLoginEvent");

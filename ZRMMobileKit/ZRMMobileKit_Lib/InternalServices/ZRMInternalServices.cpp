@@ -2,7 +2,6 @@
 
 #include <mutex>
 
-#include "ZRMMobileKit/ZRMMobileKit_Lib/InternalServices/ZRMDeviceTagProvider.h"
 #include "ZRMMobileKit/ZRMMobileKit_Lib/MobileService/ZRMMobileKitErrorFactory.h"
 
 namespace {
@@ -101,14 +100,26 @@ void ZRMInternalServices::performAfterStartActions(
     }
 }
 
-std::optional<std::string> ZRMInternalServices::deviceTag() const {
+const ZRMDeviceTagProvider* ZRMInternalServices::runningTagProvider() const {
     for (const auto& service : services_) {
         const auto* const provider = dynamic_cast<const ZRMDeviceTagProvider*>(service.get());
         if (provider != nullptr && service->isRunning()) {
-            return provider->deviceTag() + "_" + provider->secureDeviceTag();
+            return provider;
         }
     }
-    return std::nullopt;
+    return nullptr;
+}
+
+std::optional<std::string> ZRMInternalServices::deviceTag() const {
+    const auto* const provider = runningTagProvider();
+    return provider == nullptr
+               ? std::nullopt
+               : std::optional(provider->deviceTag() + "_" + provider->secureDeviceTag());
+}
+
+std::optional<std::string> ZRMInternalServices::secureDeviceTag() const {
+    const auto* const provider = runningTagProvider();
+    return provider == nullptr ? std::nullopt : std::optional(provider->secureDeviceTag());
 }
 
 std::size_t ZRMInternalServices::pendingEventCount() const {

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "ZRMMobileKit/ZRMMobileKit_Lib/InternalServices/ZRMDeviceTagProvider.h"
 #include "ZRMMobileKit/ZRMMobileKit_Lib/InternalServices/ZRMInternalService.h"
 #include "ZRMPlatform/Ports/ZRMQueue.h"
 
@@ -38,6 +39,9 @@ class ZRMInternalServices {
     // them; absent without one.
     [[nodiscard]] std::optional<std::string> deviceTag() const;
 
+    // The secure device tag of that service; absent without one.
+    [[nodiscard]] std::optional<std::string> secureDeviceTag() const;
+
     // Of all services together.
     [[nodiscard]] std::size_t pendingEventCount() const;
     [[nodiscard]] std::size_t unstoredEventCount() const;
@@ -46,6 +50,8 @@ class ZRMInternalServices {
     using Request = std::function<void(ZRMInternalService&, const CompletionHandler&)>;
     enum class Whom { Everyone, RunningOnes };
 
+    // The first running service that knows the tags; null without one.
+    [[nodiscard]] const ZRMDeviceTagProvider* runningTagProvider() const;
     void fanOut(Whom whom, const Request& request, CompletionHandler completionHandler) const;
 
     const std::shared_ptr<ZRMQueue> mainQueue_;

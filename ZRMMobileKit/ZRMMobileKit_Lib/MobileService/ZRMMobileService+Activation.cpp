@@ -1,8 +1,10 @@
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLog.h"
+#include "ZRMMobileKit/ZRMMobileKitInfo.h"
 #include "ZRMMobileKit/ZRMMobileKit_Lib/InternalServices/ZRMCloudKit/ZRMCloudKitAdapter.h"
 #include "ZRMMobileKit/ZRMMobileKit_Lib/MobileService/ZRMMobileKitErrorFactory.h"
 #include "ZRMMobileKit/ZRMMobileKit_Lib/MobileService/ZRMMobileServiceImpl.h"
 #include "ZRMMobileKit/ZRMMobileKit_Lib/MobileService/ZRMMobileServiceValueChecker.h"
+#include "ZRMMobileKit/ZRMMobileKit_Lib/Settings/Certificate/ZRMCertificateProvider.h"
 
 namespace {
 
@@ -14,6 +16,23 @@ void call(const ZRMMobileService::CompletionHandler& handler,
         handler(error);
     }
 }
+
+// The tags as the service itself tells them.
+class ServiceTags final : public ZRMDeviceTagProvider {
+  public:
+    explicit ServiceTags(std::shared_ptr<const ZRMInternalServices> services)
+        : services_(std::move(services)) {}
+
+    [[nodiscard]] std::string deviceTag() const override {
+        return services_->deviceTag().value_or("");
+    }
+    [[nodiscard]] std::string secureDeviceTag() const override {
+        return services_->secureDeviceTag().value_or("");
+    }
+
+  private:
+    const std::shared_ptr<const ZRMInternalServices> services_;
+};
 
 }  // namespace
 
@@ -31,7 +50,7 @@ std::vector<std::shared_ptr<ZRMInternalService>> ZRMMobileServiceImpl::makeCloud
 
 ZRMMobileServiceImpl::ZRMMobileServiceImpl(std::shared_ptr<const ZRMPlatform> platform,
                                            ZRMMobileServiceConfiguration configuration,
-                                           std::shared_ptr<ZRMSettingsProvider> settingsProvider,
+                                           std::shared_ptr<ZRMSettingsProviding> settingsProvider,
                                            MakeInternalServices makeInternalServices)
     : platform_(std::move(platform)),
       configuration_(std::move(configuration)),
@@ -105,7 +124,7 @@ std::optional<ZRMError> ZRMMobileServiceImpl::checkConfiguration() const {
     return std::nullopt;
 }
 
-void ZRMMobileServiceImpl::prepareForStart(const ZRMSettingsProvider::Callback& continuation) {
+void ZRMMobileServiceImpl::prepareForStart(const ZRMSettingsProviding::Callback& continuation) {
     settingsProvider_->provideSettings(continuation);
 }
 
@@ -125,9 +144,17 @@ void ZRMMobileServiceImpl::activateInternalServices(ZRMMobileServiceSettings set
         internalServices_ = services;
     }
     services->activateWithCompletionHandler(
-        [self = shared_from_this(), activation](const std::optional<ZRMError>& error) {
+        [self = shared_from_this(), activation, settings,
+         serverTimeProvider](const std::optional<ZRMError>& error) {
             self->finishActivation(activation, error);
-            self->performAfterActivation(error);
+            if (error) {
+                zrm_logVerbose(self.get(), [&error] {
+                    return std::string(kOperationName) +
+                           " activation error: " + error->localizedDescription();
+                });
+            } else {
+                self->performAfterActivation(settings, serverTimeProvider);
+            }
         });
 }
 
@@ -143,21 +170,44 @@ void ZRMMobileServiceImpl::finishActivation(const Activation& activation,
     }
 }
 
-void ZRMMobileServiceImpl::performAfterActivation(const std::optional<ZRMError>& error) {
-    if (error) {
-        zrm_logVerbose(this, [&error] {
-            return std::string(kOperationName) +
-                   " activation error: " + error->localizedDescription();
-        });
-        return;
-    }
+void ZRMMobileServiceImpl::performAfterActivation(
+    const ZRMMobileServiceSettings& settings,
+    const std::shared_ptr<ZRMServerTimeProvider>& serverTimeProvider) {
     zrm_logVerbose(this, std::string(kOperationName) + " activation successfuly complete");
-    if (const auto services = internalServices()) {
-        services->performAfterStartActions([weakSelf = weak_from_this()](const ZRMError& failure) {
-            zrm_logError(weakSelf.lock().get(), failure.localizedDescription());
-        });
+    const auto services = internalServices();
+    services->performAfterStartActions([weakSelf = weak_from_this()](const ZRMError& failure) {
+        zrm_logError(weakSelf.lock().get(), failure.localizedDescription());
+    });
+    startSettingsUpdateWithDeviceTagProvider(settings, std::make_shared<ServiceTags>(services),
+                                             kZRMMobileKitVersion, serverTimeProvider);
+}
+
+void ZRMMobileServiceImpl::startSettingsUpdateWithDeviceTagProvider(
+    const ZRMMobileServiceSettings& settings,
+    std::shared_ptr<const ZRMDeviceTagProvider> deviceTagProvider,
+    const std::string& serviceVersion, std::shared_ptr<ZRMServerTimeProvider> serverTimeProvider) {
+    const auto updater = std::make_shared<ZRMSettingsUpdater>(
+        platform_,
+        ZRMSettingsUpdaterParameters{
+            settings, zrm_mobileKitDefaults(*platform_->userDefaults), std::move(deviceTagProvider),
+            serviceVersion, std::move(serverTimeProvider), ZRMSettingsStorage::defaultStorage(),
+            zrm_jwsSignatureVerification(
+                platform_, ZRMCertificateProvider::rootCertificate(*platform_->resourceBundles,
+                                                                   *platform_->fileManager))});
+    {
+        const std::lock_guard lock(mutex_);
+        settingsUpdater_ = updater;
     }
-    zrm_logVerbose(this, "Settings update is not available");
+    updater->updateWithCompletionHandler(
+        [weakSelf = weak_from_this()](const std::optional<ZRMError>& error) {
+            const auto self = weakSelf.lock();
+            if (error) {
+                zrm_logError(self.get(),
+                             "Settings update complete. Error: " + error->localizedDescription());
+            } else {
+                zrm_logVerbose(self.get(), "Settings update complete");
+            }
+        });
 }
 
 void ZRMMobileServiceImpl::startWithCompletionHandler(CompletionHandler completionHandler) {

@@ -3,6 +3,8 @@
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLog.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMText.h"
 #include "ZRMMobileKit/ZRMMobileKit_Lib/MobileService/ZRMMobileServiceImpl.h"
+#include "ZRMMobileKit/ZRMMobileKit_Lib/Settings/Certificate/ZRMCertificateProvider.h"
+#include "ZRMMobileKit/ZRMMobileKit_Lib/Settings/Provider/ZRMSettingsProvider.h"
 
 // A handler may let go of the service while its operation still runs, so every operation that may
 // call one holds the implementation by itself.
@@ -44,8 +46,14 @@ ZRMMobileService::CompletionHandler loggingHandler(
 
 std::shared_ptr<ZRMMobileService> ZRMMobileService::createServiceWithConfiguration(
     const ZRMMobileServiceConfiguration& configuration) {
-    auto impl = std::make_shared<ZRMMobileServiceImpl>(ZRMPlatform::current(), configuration,
-                                                       std::make_shared<ZRMSettingsProvider>());
+    auto platform = ZRMPlatform::current();
+    auto settingsProvider = std::make_shared<ZRMSettingsProvider>(
+        std::make_shared<ZRMSettingsStorage>(platform->fileManager, platform->directories),
+        zrm_jwsSignatureVerificationWithoutRevocation(
+            platform, ZRMCertificateProvider::rootCertificate(*platform->resourceBundles,
+                                                              *platform->fileManager)));
+    auto impl = std::make_shared<ZRMMobileServiceImpl>(std::move(platform), configuration,
+                                                       std::move(settingsProvider));
     return std::shared_ptr<ZRMMobileService>(new ZRMMobileService(std::move(impl)));
 }
 

@@ -13,7 +13,8 @@
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLoggerCollection.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/ServerTime/ZRMServerTimeProvider.h"
 #include "ZRMMobileKit/ZRMMobileKit_Lib/InternalServices/ZRMInternalServices.h"
-#include "ZRMMobileKit/ZRMMobileKit_Lib/Settings/Provider/ZRMSettingsProvider.h"
+#include "ZRMMobileKit/ZRMMobileKit_Lib/Settings/Provider/ZRMSettingsProviding.h"
+#include "ZRMMobileKit/ZRMMobileKit_Lib/Settings/Updater/ZRMSettingsUpdater.h"
 #include "ZRMMobileKit/ZRMMobileService.h"
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 
@@ -37,7 +38,7 @@ class ZRMMobileServiceImpl : public std::enable_shared_from_this<ZRMMobileServic
     // Adds the console logger, at the configuration's level, to the shared collection.
     ZRMMobileServiceImpl(std::shared_ptr<const ZRMPlatform> platform,
                          ZRMMobileServiceConfiguration configuration,
-                         std::shared_ptr<ZRMSettingsProvider> settingsProvider,
+                         std::shared_ptr<ZRMSettingsProviding> settingsProvider,
                          MakeInternalServices makeInternalServices = makeCloudKitAdapter);
 
     void activateWithCompletionHandler(CompletionHandler completionHandler);
@@ -62,11 +63,18 @@ class ZRMMobileServiceImpl : public std::enable_shared_from_this<ZRMMobileServic
     using Activation = std::shared_ptr<std::vector<CompletionHandler>>;
 
     [[nodiscard]] std::optional<ZRMError> checkConfiguration() const;
-    void prepareForStart(const ZRMSettingsProvider::Callback& continuation);
+    void prepareForStart(const ZRMSettingsProviding::Callback& continuation);
     void activateInternalServices(ZRMMobileServiceSettings settings, const Activation& activation);
     // Ends the activation: whoever waits for it gets the error.
     void finishActivation(const Activation& activation, const std::optional<ZRMError>& error);
-    void performAfterActivation(const std::optional<ZRMError>& error);
+    void performAfterActivation(const ZRMMobileServiceSettings& settings,
+                                const std::shared_ptr<ZRMServerTimeProvider>& serverTimeProvider);
+    // Downloads new settings where they are due; how that ends is only logged.
+    void startSettingsUpdateWithDeviceTagProvider(
+        const ZRMMobileServiceSettings& settings,
+        std::shared_ptr<const ZRMDeviceTagProvider> deviceTagProvider,
+        const std::string& serviceVersion,
+        std::shared_ptr<ZRMServerTimeProvider> serverTimeProvider);
 
     void processEvent(ZRMMobileServiceEventType event, const std::optional<std::string>& value,
                       const std::optional<std::string>& result,
@@ -85,7 +93,7 @@ class ZRMMobileServiceImpl : public std::enable_shared_from_this<ZRMMobileServic
 
     const std::shared_ptr<const ZRMPlatform> platform_;
     const ZRMMobileServiceConfiguration configuration_;
-    const std::shared_ptr<ZRMSettingsProvider> settingsProvider_;
+    const std::shared_ptr<ZRMSettingsProviding> settingsProvider_;
     const MakeInternalServices makeInternalServices_;
     const std::shared_ptr<ZRMLoggerCollection> loggerCollection_;
 
@@ -94,4 +102,5 @@ class ZRMMobileServiceImpl : public std::enable_shared_from_this<ZRMMobileServic
     bool activated_ = false;
     bool environmentAnalyzed_ = false;
     std::shared_ptr<const ZRMInternalServices> internalServices_;
+    std::shared_ptr<ZRMSettingsUpdater> settingsUpdater_;
 };

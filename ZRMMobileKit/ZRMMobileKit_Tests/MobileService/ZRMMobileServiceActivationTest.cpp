@@ -1,3 +1,4 @@
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Json/ZRMJsonText.h"
 #include "ZRMMobileKit/ZRMMobileKit_Tests/Support/ZRMServiceFixture.h"
 
 namespace {
@@ -134,12 +135,13 @@ TEST_F(ZRMMobileServiceActivation, AfterStartActionsFollowTheHandlerOnTheMainQue
 }
 
 TEST_F(ZRMMobileServiceActivation, FailedActivationPerformsNoAfterStartActions) {
+    setSettingsUpdated({});
     first_->activationError = error(5);
     ZRMHandlerRecord record;
     service().activateWithCompletionHandler(record.handler());
     device_.runUntilIdle();
     EXPECT_EQ(second_->calls, std::vector<std::string>{"activate"});
-    EXPECT_THAT(log_.verboses(), Not(Contains("Settings update is not available")));
+    EXPECT_THAT(device_.network().requestsTo("/config/v1"), IsEmpty());
 }
 
 TEST_F(ZRMMobileServiceActivation, FailedAfterStartActionIsOnlyLogged) {
@@ -149,9 +151,43 @@ TEST_F(ZRMMobileServiceActivation, FailedAfterStartActionIsOnlyLogged) {
 }
 
 TEST_F(ZRMMobileServiceActivation, EndsWithTheSettingsUpdate) {
+    setSettingsUpdated({});
+    configuration_.setStatisticsUrl("https://risk.example.com/stat?cid=bank");
+    EXPECT_TRUE(activate().succeededOnMain());
+    const auto requests = device_.network().requestsTo("/config/v1");
+    ASSERT_EQ(requests.size(), 1U);
+    EXPECT_EQ(requests[0].request.url, provider_->settings.urls().settingsUpdateUrl());
+    EXPECT_EQ(*requests[0].request.headers.find("Mobile-UUID"), "secure");
+    const auto params = zrm_jsonFromText(requests[0].bodyText()).value().as_object();
+    EXPECT_EQ(params.at("deviceTag"), "tag_secure");
+    EXPECT_EQ(params.at("version"), "3.28.0.12");
+    EXPECT_EQ(params.at("clientId"), "bank");
+}
+
+TEST_F(ZRMMobileServiceActivation, FailedSettingsUpdateIsOnlyLogged) {
+    setSettingsUpdated({});
+    EXPECT_TRUE(activate().succeededOnMain());
+    ASSERT_THAT(log_.errors(), Not(IsEmpty()));
+    EXPECT_EQ(log_.errors().back(), "Settings update complete. Error: Data has invalid format.");
+    EXPECT_TRUE(service().isActivated());
+}
+
+TEST_F(ZRMMobileServiceActivation, SettingsUpdateThatIsNotDueIsComplete) {
     activate();
-    ASSERT_THAT(log_.verboses(), Not(IsEmpty()));
-    EXPECT_EQ(log_.verboses().back(), "Settings update is not available");
+    EXPECT_THAT(device_.network().requestsTo("/config/v1"), IsEmpty());
+    ASSERT_GE(log_.verboses().size(), 2U);
+    EXPECT_EQ(log_.verboses().back(), "Settings update complete");
+    EXPECT_THAT(log_.verboses(), Contains("No need to update settings"));
+}
+
+TEST_F(ZRMMobileServiceActivation, SettingsUpdateOfAServiceThatIsGoneStillEnds) {
+    setSettingsUpdated({});
+    device_.network().script("/config/v1", ZRMSimulatedAnswer::withBody("late").after(10));
+    activate();
+    service_.reset();
+    device_.advanceBy(11);
+    ASSERT_THAT(log_.errors(), Not(IsEmpty()));
+    EXPECT_EQ(log_.errors().back(), "Settings update complete. Error: Data has invalid format.");
 }
 
 TEST_F(ZRMMobileServiceActivation, ServerTimeProviderIsNewForEachAndNotYetValid) {

@@ -14,11 +14,16 @@ using testing::IsEmpty;
 
 class ZRMMobileServiceTest : public testing::Test {
   protected:
+    ZRMMobileServiceTest() {
+        device_.resourceBundles().put("ZRMMobileKitResources.bundle", "VelorinRootCA.crt", {});
+        service_ = ZRMMobileService::createServiceWithConfiguration(
+            ZRMMobileServiceConfiguration::configuration());
+    }
+
     ZRMSimulatedDevice device_;
     ZRMScopedPlatform installed_{device_};
     ZRMRecordedLog log_;
-    std::shared_ptr<ZRMMobileService> service_ = ZRMMobileService::createServiceWithConfiguration(
-        ZRMMobileServiceConfiguration::configuration());
+    std::shared_ptr<ZRMMobileService> service_;
 };
 
 }  // namespace

@@ -3,10 +3,10 @@
 
 #include <vector>
 
-#include "ZRMMobileKit/ZRMMobileKit_Lib/Settings/Provider/ZRMSettingsProvider.h"
+#include "ZRMMobileKit/ZRMMobileKit_Lib/Settings/Provider/ZRMSettingsProviding.h"
 
 // Answers at once, or, while it holds back, when told to.
-class ZRMFakeSettingsProvider final : public ZRMSettingsProvider {
+class ZRMFakeSettingsProvider final : public ZRMSettingsProviding {
   public:
     ZRMMobileServiceSettings settings = ZRMMobileServiceSettings::defaultSettings();
     std::optional<ZRMError> error;

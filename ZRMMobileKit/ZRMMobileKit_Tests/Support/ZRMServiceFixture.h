@@ -17,6 +17,17 @@ class ZRMServiceFixture : public testing::Test {
   protected:
     using Handler = ZRMMobileServiceImpl::CompletionHandler;
 
+    // On a device that has updated its settings just now.
+    ZRMServiceFixture() {
+        device_.resourceBundles().put("ZRMMobileKitResources.bundle", "VelorinRootCA.crt", {});
+        setSettingsUpdated(device_.now());
+    }
+
+    void setSettingsUpdated(ZRMDate date) {
+        zrm_mobileKitDefaults(*device_.platform()->userDefaults)
+            ->setSettingsUpdateTimestamp(date.secondsSince1970);
+    }
+
     // Made at its first use, with the configuration as it is then.
     ZRMMobileServiceImpl& service() {
         if (service_ == nullptr) {

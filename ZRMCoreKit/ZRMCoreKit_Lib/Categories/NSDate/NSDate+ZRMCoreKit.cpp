@@ -30,7 +30,7 @@ icu::DateFormat::EStyle icuStyle(ZRMDateFormatterStyle style) {
 double zrm_timeIntervalFromISO8601DurationString(std::string_view duration) {
     const auto components = zrm_dateComponentsFromISO8601DurationString(duration);
     if (!components) {
-        return -1;
+        return kZRMUnknownTimeInterval;
     }
     double seconds = 0;
     const auto add = [&seconds](std::int64_t count, std::int64_t secondsEach) {

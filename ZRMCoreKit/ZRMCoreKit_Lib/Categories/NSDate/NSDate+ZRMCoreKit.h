@@ -18,8 +18,12 @@ inline constexpr int zrm_secondsPerMinute() {
     return 60;
 }
 
+// What stands for a duration that does not read as one.
+inline constexpr double kZRMUnknownTimeInterval = -1;
+
 // Seconds in the days, hours, minutes and seconds of an ISO 8601 duration; its years, months and
-// weeks count nothing. -1 when it does not read as a duration (so does "PT-1S").
+// weeks count nothing. kZRMUnknownTimeInterval when it does not read as a duration (so does
+// "PT-1S").
 [[nodiscard]] double zrm_timeIntervalFromISO8601DurationString(std::string_view duration);
 
 // With the shared formatters, in the device's time zone.

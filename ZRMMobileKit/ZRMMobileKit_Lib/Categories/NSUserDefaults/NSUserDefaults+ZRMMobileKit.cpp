@@ -2,6 +2,8 @@
 
 namespace {
 
+constexpr const char* kSettingsUpdateTimestampKey = "ZRMSettingsUpdateTimestamp";
+constexpr const char* kLocationDetectTimestampKey = "ZRMLocationDetectTimestamp";
 constexpr const char* kExecSessionIdKey = "ZRMExecSessionId";
 constexpr const char* kExecSessionIdRefreshTimestampKey = "ZRMExecSessionIdRefreshTimestamp";
 
@@ -9,6 +11,22 @@ constexpr const char* kExecSessionIdRefreshTimestampKey = "ZRMExecSessionIdRefre
 
 ZRMMobileKitDefaults::ZRMMobileKitDefaults(std::unique_ptr<ZRMUserDefaultsSuite> suite)
     : suite_(std::move(suite)) {}
+
+double ZRMMobileKitDefaults::settingsUpdateTimestamp() const {
+    return suite_->doubleForKey(kSettingsUpdateTimestampKey).value_or(0);
+}
+
+void ZRMMobileKitDefaults::setSettingsUpdateTimestamp(double secondsSince1970) {
+    suite_->setDouble(kSettingsUpdateTimestampKey, secondsSince1970);
+}
+
+double ZRMMobileKitDefaults::locationDetectTimestamp() const {
+    return suite_->doubleForKey(kLocationDetectTimestampKey).value_or(0);
+}
+
+void ZRMMobileKitDefaults::setLocationDetectTimestamp(double secondsSince1970) {
+    suite_->setDouble(kLocationDetectTimestampKey, secondsSince1970);
+}
 
 std::optional<std::string> ZRMMobileKitDefaults::execSessionId() const {
     return suite_->stringForKey(kExecSessionIdKey);

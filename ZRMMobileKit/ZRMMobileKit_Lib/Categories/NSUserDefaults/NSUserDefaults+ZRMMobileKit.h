@@ -9,6 +9,24 @@
 
 inline constexpr const char* kZRMMobileKitDefaultsSuite = "com.velorin.zrm.mobilekit.userdefaults";
 
+// When the settings document was last downloaded.
+class ZRMSettingsUpdateTimestampProvider {
+  public:
+    virtual ~ZRMSettingsUpdateTimestampProvider() = default;
+    // Seconds since 1970; 0 until one was stored.
+    [[nodiscard]] virtual double settingsUpdateTimestamp() const = 0;
+    virtual void setSettingsUpdateTimestamp(double secondsSince1970) = 0;
+};
+
+// When the device's location was last detected.
+class ZRMLocationDetectTimestampProvider {
+  public:
+    virtual ~ZRMLocationDetectTimestampProvider() = default;
+    // Seconds since 1970; 0 until one was stored.
+    [[nodiscard]] virtual double locationDetectTimestamp() const = 0;
+    virtual void setLocationDetectTimestamp(double secondsSince1970) = 0;
+};
+
 // Where the execution-session identifier outlives the process.
 class ZRMExecSessionIdStorage {
   public:
@@ -22,10 +40,16 @@ class ZRMExecSessionIdStorage {
 };
 
 // A handle on the module's suite. May be used from any thread.
-class ZRMMobileKitDefaults final : public ZRMExecSessionIdStorage {
+class ZRMMobileKitDefaults final : public ZRMSettingsUpdateTimestampProvider,
+                                   public ZRMLocationDetectTimestampProvider,
+                                   public ZRMExecSessionIdStorage {
   public:
     explicit ZRMMobileKitDefaults(std::unique_ptr<ZRMUserDefaultsSuite> suite);
 
+    [[nodiscard]] double settingsUpdateTimestamp() const override;
+    void setSettingsUpdateTimestamp(double secondsSince1970) override;
+    [[nodiscard]] double locationDetectTimestamp() const override;
+    void setLocationDetectTimestamp(double secondsSince1970) override;
     [[nodiscard]] std::optional<std::string> execSessionId() const override;
     void setExecSessionId(const std::string& identifier) override;
     [[nodiscard]] double execSessionIdRefreshTimestamp() const override;

@@ -1,22 +1,43 @@
-// Supplies the settings that are in force from an activation on.
+// Makes settings of the document that lies on the device.
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 
-#include "ZRMMobileKit/ZRMMobileKit_Lib/Settings/ZRMMobileServiceSettings.h"
-#include "ZRMPlatform/Ports/Values/ZRMError.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Json/ZRMJson.h"
+#include "ZRMJWS/ZRMJWS_Lib/Verifier/ZRMJwsSignatureVerification.h"
+#include "ZRMMobileKit/ZRMMobileKit_Lib/Settings/Provider/ZRMSettingsProviding.h"
+#include "ZRMMobileKit/ZRMMobileKit_Lib/Settings/Storage/ZRMSettingsStorage.h"
+#include "ZRMPlatform/Ports/Values/ZRMResult.h"
 
-// May be used from any thread.
-class ZRMSettingsProvider {
+// What a document costs that is not in order differs on purpose. No file, and bytes that are no JWS
+// object: the defaults, without an error. A signature that is missing, a payload that cannot be
+// read, "config" that is none: an error. A rejected entry: its default.
+class ZRMSettingsProvider final : public ZRMSettingsProviding {
   public:
-    // With an error the settings are the defaults and must not be used to start the library.
-    using Callback =
-        std::function<void(ZRMMobileServiceSettings settings, std::optional<ZRMError> error)>;
+    using JsonCallback =
+        std::function<void(std::optional<ZRMDictionary> json, std::optional<ZRMError> error)>;
 
-    virtual ~ZRMSettingsProvider() = default;
+    ZRMSettingsProvider(std::shared_ptr<const ZRMSettingsStorage> settingsStorage,
+                        ZRMJwsSignatureVerification verification);
 
-    // Calls back exactly once. On a device that holds no settings document, that is at once, on the
-    // caller's thread, with the defaults and without an error.
-    virtual void provideSettings(const Callback& callback);
+    // At once, on the caller's thread, where there is no document; otherwise on the verifier's.
+    void provideSettings(const Callback& callback) override;
+
+    // The cleaned "config" of the stored document; neither value where there is no document.
+    void fetchSettingsJsonFromStorageWithCompletionHandler(JsonCallback completionHandler);
+
+    // Error 1 where the bytes are no JSON object.
+    static ZRMResult<ZRMDictionary> jsonObjectFromData(const ZRMData& data);
+
+    // The cleaned "config" in an envelope's payload. Error 1 where there is none.
+    static ZRMResult<ZRMDictionary> settingsJsonFromJwsObject(const ZRMJwsObject& jwsObject);
+
+    // The document over the defaults. Error 1 where a text that passed for a URL is none.
+    static ZRMResult<ZRMMobileServiceSettings> settingsFromValidJson(const ZRMDictionary& json);
+
+  private:
+    const std::shared_ptr<const ZRMSettingsStorage> settingsStorage_;
+    const ZRMJwsSignatureVerification verification_;
 };
