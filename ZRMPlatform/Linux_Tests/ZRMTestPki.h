@@ -1,7 +1,7 @@
 // Certificates, OCSP answers and lists of revoked certificates, made by OpenSSL while a test runs.
 #pragma once
 
-#include <functional>
+#include <ctime>
 #include <memory>
 #include <optional>
 #include <string>
