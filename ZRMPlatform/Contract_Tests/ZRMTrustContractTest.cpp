@@ -18,15 +18,18 @@ class ZRMTrustContract : public ZRMContract {
 
 }  // namespace
 
-TEST_P(ZRMTrustContract, TellsCertificatesFromOtherBytes) {
+TEST_P(ZRMTrustContract, ALeafThatIsNotOneCertificateAloneIsInvalid) {
     const auto der = pki_.root().der();
-    EXPECT_TRUE(platform()->trust->isCertificate(der));
     auto longer = der;
     longer.push_back(0);
-    EXPECT_FALSE(platform()->trust->isCertificate(longer));
-    EXPECT_FALSE(platform()->trust->isCertificate(ZRMData(der.begin(), der.end() - 1)));
-    EXPECT_FALSE(platform()->trust->isCertificate({}));
-    EXPECT_FALSE(platform()->trust->isCertificate(ZRMData(50, 0x30)));
+    const ZRMData shorter(der.begin(), der.end() - 1);
+    std::vector<std::string> expected;
+    for (const auto& leaf : {longer, shorter, ZRMData(), ZRMData(50, 0x30)}) {
+        platform()->trust->evaluate({{leaf, der}, {der}}, noteResult());
+        expected.emplace_back("0 without key");
+    }
+    EXPECT_TRUE(waitForNotes(expected.size()));
+    EXPECT_EQ(notes(), expected);
 }
 
 TEST_P(ZRMTrustContract, CompletesOnceAndNotBeforeTheCallReturns) {

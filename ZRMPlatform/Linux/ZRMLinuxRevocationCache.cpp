@@ -5,20 +5,15 @@
 #include <openssl/evp.h>
 #include <openssl/x509.h>
 
-namespace {
-
-// Empty when the digest is not to be had.
-ZRMData fingerprintOf(const X509* certificate) {
-    ZRMData digest(EVP_MAX_MD_SIZE);
-    unsigned length = 0;
-    if (X509_digest(certificate, EVP_sha256(), digest.data(), &length) != 1) {
+// All zeros, which is the digest of nothing known, when the digest is not to be had.
+ZRMLinuxRevocationCache::Fingerprint ZRMLinuxRevocationCache::fingerprintOf(
+    const X509* certificate) {
+    Fingerprint fingerprint{};
+    if (X509_digest(certificate, EVP_sha256(), fingerprint.data(), nullptr) != 1) {
         return {};
     }
-    digest.resize(length);
-    return digest;
+    return fingerprint;
 }
-
-}  // namespace
 
 ZRMLinuxRevocationAnswer ZRMLinuxRevocationCache::find(const X509* certificate, ZRMDate now) const {
     const auto fingerprint = fingerprintOf(certificate);
@@ -32,12 +27,12 @@ ZRMLinuxRevocationAnswer ZRMLinuxRevocationCache::find(const X509* certificate, 
 
 void ZRMLinuxRevocationCache::keep(const X509* certificate,
                                    const ZRMLinuxRevocationAnswer& answer) {
-    auto fingerprint = fingerprintOf(certificate);
-    if (answer.status == ZRMLinuxRevocationStatus::NoAnswer || fingerprint.empty()) {
+    const auto fingerprint = fingerprintOf(certificate);
+    if (answer.status == ZRMLinuxRevocationStatus::NoAnswer || fingerprint == Fingerprint()) {
         return;
     }
     const std::lock_guard lock(mutex_);
-    answers_[std::move(fingerprint)] = answer;
+    answers_[fingerprint] = answer;
     if (answers_.size() > kMaximumEntries) {
         answers_.erase(std::ranges::min_element(
             answers_, {}, [](const auto& entry) { return entry.second.until; }));

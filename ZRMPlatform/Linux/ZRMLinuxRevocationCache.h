@@ -1,6 +1,8 @@
 // Answers about certificates, kept as long as they hold.
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -19,6 +21,10 @@ class ZRMLinuxRevocationCache {
     void keep(const X509* certificate, const ZRMLinuxRevocationAnswer& answer);
 
   private:
+    using Fingerprint = std::array<std::uint8_t, 32>;  // SHA-256
+
+    static Fingerprint fingerprintOf(const X509* certificate);
+
     mutable std::mutex mutex_;
-    std::map<ZRMData, ZRMLinuxRevocationAnswer> answers_;  // by the certificate's SHA-256
+    std::map<Fingerprint, ZRMLinuxRevocationAnswer> answers_;
 };

@@ -141,10 +141,6 @@ ZRMLinuxTrust::ZRMLinuxTrust(std::shared_ptr<ZRMExecutor> executor, std::shared_
 
 ZRMLinuxTrust::~ZRMLinuxTrust() = default;
 
-bool ZRMLinuxTrust::isCertificate(const ZRMData& der) const {
-    return zrm_x509FromDer(der) != nullptr;
-}
-
 void ZRMLinuxTrust::evaluate(ZRMTrustRequest request, Completion completion) {
     evaluations_->post(std::move(request), std::move(completion));
 }

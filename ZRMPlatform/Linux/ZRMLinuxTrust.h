@@ -21,7 +21,6 @@ class ZRMLinuxTrust final : public ZRMTrust {
     ZRMLinuxTrust(const ZRMLinuxTrust&) = delete;
     ZRMLinuxTrust& operator=(const ZRMLinuxTrust&) = delete;
 
-    [[nodiscard]] bool isCertificate(const ZRMData& der) const override;
     void evaluate(ZRMTrustRequest request, Completion completion) override;
 
   private:

@@ -12,10 +12,11 @@
 
 // The numbers are those that callers of the original platform use.
 enum ZRMTrustResult : std::uint32_t {
-    ZRMTrustResultInvalid = 0,      // there is nothing to evaluate: no certificate, or no leaf
-    ZRMTrustResultProceed = 1,      // trusted, because a person said so
-    ZRMTrustResultDeny = 3,         // not trusted, because a person said so
-    ZRMTrustResultUnspecified = 4,  // trusted: the chain is good and nobody said no
+    // There is no leaf: none was given, or its bytes are not one certificate and nothing after it.
+    ZRMTrustResultInvalid = 0,
+    ZRMTrustResultProceed = 1,                  // trusted, because a person said so
+    ZRMTrustResultDeny = 3,                     // not trusted, because a person said so
+    ZRMTrustResultUnspecified = 4,              // trusted: the chain is good and nobody said no
     ZRMTrustResultRecoverableTrustFailure = 5,  // not trusted: no good path, or a weak one
     ZRMTrustResultFatalTrustFailure = 6,        // not trusted: a certificate was revoked
     ZRMTrustResultOtherError = 7,               // the evaluation itself failed
@@ -54,9 +55,6 @@ class ZRMTrust {
     using Completion = std::function<void(ZRMTrustEvaluation)>;
 
     virtual ~ZRMTrust() = default;
-
-    // Whether the bytes are one certificate and nothing after it.
-    [[nodiscard]] virtual bool isCertificate(const ZRMData& der) const = 0;
 
     // Evaluates at the clock's time: basic path validation (RFC 5280), keys and digests of today's
     // strength, then revocation of every certificate below the anchor. An answer that says revoked

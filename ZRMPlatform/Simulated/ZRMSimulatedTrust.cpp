@@ -34,10 +34,6 @@ void ZRMSimulatedTrust::processStarted(const std::shared_ptr<const ZRMPlatform>&
     plugged_ = maker_ && platform ? maker_(*platform) : nullptr;
 }
 
-bool ZRMSimulatedTrust::isCertificate(const ZRMData& der) const {
-    return certificateFromDer(der) != nullptr;
-}
-
 void ZRMSimulatedTrust::evaluate(ZRMTrustRequest request, Completion completion) {
     requests_.push_back(request);
     if (plugged_) {

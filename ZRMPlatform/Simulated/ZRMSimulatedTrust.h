@@ -26,7 +26,6 @@ class ZRMSimulatedTrust final : public ZRMTrust {
     // For the device: the ports of the process that begins.
     void processStarted(const std::shared_ptr<const ZRMPlatform>& platform);
 
-    [[nodiscard]] bool isCertificate(const ZRMData& der) const override;
     void evaluate(ZRMTrustRequest request, Completion completion) override;
 
   private:

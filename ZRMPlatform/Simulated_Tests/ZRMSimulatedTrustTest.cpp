@@ -21,7 +21,6 @@ ZRMTrustEvaluation trustIn(ZRMSimulatedDevice& device, const ZRMTestCertificate&
 // Trusts nothing and completes at once.
 class DenyingTrust final : public ZRMTrust {
   public:
-    [[nodiscard]] bool isCertificate(const ZRMData&) const override { return false; }
     void evaluate(ZRMTrustRequest, Completion completion) override {
         completion({ZRMTrustResultDeny, nullptr, "denied"});
     }

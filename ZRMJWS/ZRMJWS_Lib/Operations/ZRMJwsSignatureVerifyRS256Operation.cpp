@@ -159,11 +159,6 @@ void ZRMJwsSignatureVerifyRS256Operation::copyPublicKeyFromCertificateChain(
         verifyWithKey(nullptr);
         return;
     }
-    if (!platform_->trust->isCertificate(chain.front())) {
-        zrm_logError(this, "Cannot get certificate.");
-        verifyWithKey(nullptr);
-        return;
-    }
     ZRMTrustRequest request;
     request.certificates = chain;
     const std::size_t firstAnchor =
@@ -185,7 +180,8 @@ void ZRMJwsSignatureVerifyRS256Operation::trustEvaluated(const ZRMTrustEvaluatio
         return;
     }
     if (!evaluation.isTrusted()) {
-        zrm_logError(this, "Untrusted certificate.");
+        const bool isLeaf = evaluation.result != ZRMTrustResultInvalid;
+        zrm_logError(this, isLeaf ? "Untrusted certificate." : "Cannot get certificate.");
         zrm_logVerbose(this, [&] { return evaluation.reason; });
         verifyWithKey(nullptr);
         return;
