@@ -1,33 +1,44 @@
 #!/usr/bin/env python3
 """The main job, shown: a host application reports to a risk server on loopback over TLS.
 
-Starts the reference risk server, runs the scriptable host against it, waits until every event was
-answered, and shows what the host was told beside what arrived. Ends with a status other than 0 when
-the two do not agree.
+Runs the scriptable host twice against the reference risk server. The first run goes by the built-in
+settings; meanwhile the library fetches the server's, which switch navigation events on and calls off,
+and a device tag. The second run goes by what the first one fetched. Shows what the host was told
+beside what arrived, and ends with a status other than 0 when the two do not agree.
 """
 import argparse
 import json
 import pathlib
 import plistlib
+import re
 import shutil
 import subprocess
 import sys
 import tempfile
+import time
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 HOST_NAME = "risk.example.com"  # the library refuses hosts without a dot and numeric addresses
 TIMEOUT_SECONDS = 60
 
+SETTINGS = {"uiNavigationEventDisabled": "false", "iosCallInfoEventDisabled": "true"}
+
 # Command, and what is expected of it: an error code or None, and the event that must arrive.
-STEPS = [
+FIRST_RUN = [
     ("version", None, None),
     ("login alice SUCCESS", 3, None),  # before activation: not ready
     ("activate", None, None),
-    ("tag", None, None),
     ('login alice SUCCESS "Alice Example"', None, "UserLoginEvent"),
     ("login alice INCORRECT_PASSWORD", None, "UserLoginEvent"),
     ("session 3f8a-77c1", None, "SessionIdEvent"),
-    ("navigate /accounts/overview", 12, None),  # switched off by the default settings
+    ("navigate /accounts/overview", 12, None),  # switched off by the built-in settings
+    ("logout", None, "UserLogoutEvent"),
+    ("drain 30", None, None),
+]
+SECOND_RUN = [
+    ("activate", None, None),
+    ("tag", None, None),
+    ("navigate /accounts/overview", None, "UINavigationEvent"),  # switched on by the server's
     ("logout", None, "UserLogoutEvent"),
     ("drain 30", None, None),
 ]
@@ -57,7 +68,8 @@ def prepare(work):
 def start_server(build, work):
     server = subprocess.Popen(
         [build / "Tools/zrm-risk-server/zrm-risk-server", "--listen", "127.0.0.1:0", "--pki", work / "pki",
-         "--events", work / "events.jsonl", "--quiet"],
+         "--events", work / "events.jsonl", "--settings", work / "settings.json", "--tag-interval", "PT2H",
+         "--quiet"],
         stdout=subprocess.PIPE, text=True)
     first = server.stdout.readline()
     if "listening on" not in first:
@@ -66,16 +78,38 @@ def start_server(build, work):
     return server, int(first.strip().rsplit(":", 1)[1])
 
 
-def run_host(build, work, port):
-    bundle, resources = prepare(work)
+def is_steered(work):
+    """Whether the library has stored the server's settings and tag."""
+    state = work / "home"
+    tagged = [path.read_bytes() for path in state.rglob("ZRMCloudKitSettings") if path.is_file()]
+    return any(state.rglob("zrm.settings")) and any(b"ZRMSecureDeviceTagRefreshDate" in data and b"L!" not in data
+                                                    for data in tagged)
+
+
+def run_host(build, work, port, application, steps, goes_on=lambda: False):
+    """The answers to the steps; the host then stays as long as it goes on."""
+    bundle, resources = application
     command = [build / "Tools/zrm-host/zrm-host", "--home", work / "home", "--resources", resources,
                "--bundle", bundle, "--statistics-url", f"https://{HOST_NAME}:{port}/stat", "--log-level", "1",
-               "--ca", work / "pki/tls-ca.pem", "--resolve", f"{HOST_NAME}:{port}:127.0.0.1"]
-    script = "\n".join(step for step, _, _ in STEPS) + "\nquit\n"
-    host = subprocess.run(command, input=script, stdout=subprocess.PIPE, text=True, timeout=TIMEOUT_SECONDS)
+               "--ca", work / "pki/tls-ca.pem", "--resolve", f"{HOST_NAME}:{port}:127.0.0.1",
+               "--resolve", f"localhost:8443:127.0.0.1:{port}"]  # the built-in endpoints of settings and tag
+    with subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True) as host:
+        try:
+            def ask(step):
+                print(step, file=host.stdin, flush=True)
+                return json.loads(host.stdout.readline() or fail(f"the host ended at '{step}'"))
+
+            answers = [ask(step) for step, _, _ in steps]
+            end = time.monotonic() + TIMEOUT_SECONDS
+            while goes_on() and time.monotonic() < end:
+                ask("wait 0.05")
+            ask("quit")
+            host.wait(timeout=TIMEOUT_SECONDS)
+        finally:
+            host.kill()
     if host.returncode != 0:
         fail(f"the host ended with status {host.returncode}")
-    return [json.loads(line) for line in host.stdout.splitlines()]
+    return answers
 
 
 def table(title, header, rows):
@@ -94,16 +128,18 @@ def own_fields(event):
     return {key: value for key, value in body.items() if key not in shared}
 
 
-def show(answers, events):
+def show_answers(title, steps, answers):
     rows = []
-    for (step, _, _), answer in zip(STEPS, answers):
+    for (step, _, _), answer in zip(steps, answers):
         error = answer["error"]
         told = f"error {error['code']}: {error['message']}" if error else "ok"
         if "value" in answer:
             told += f", {json.dumps(answer['value'])}"
         rows.append((step, told))
-    table("What the host asked, and what it was told", ("command", "answer"), rows)
+    table(title, ("command", "answer"), rows)
 
+
+def show_events(events):
     rows = [(entry["time"], entry["eventType"], entry["bytes"], entry["headers"].get("Mobile-UUID", ""),
              json.dumps(own_fields(entry["event"]))) for entry in events]
     table("What arrived at the risk server", ("time", "event", "bytes", "Mobile-UUID", "own fields"), rows)
@@ -113,17 +149,19 @@ def show(answers, events):
         print(json.dumps(entry["event"], indent=2, ensure_ascii=False))
 
 
-def verify(answers, events):
-    if len(answers) < len(STEPS):
-        fail(f"{len(STEPS)} commands were given, {len(answers)} answered")
-    for (step, code, _), answer in zip(STEPS, answers):
-        told = answer["error"]["code"] if answer["error"] else None
-        if told != code:
-            fail(f"'{step}' ended with {answer['error']}, expected code {code}")
-    expected = sorted(event for _, _, event in STEPS if event)
+def verify(runs, events):
+    for steps, answers in runs:
+        for (step, code, _), answer in zip(steps, answers):
+            told = answer["error"]["code"] if answer["error"] else None
+            if told != code:
+                fail(f"'{step}' ended with {answer['error']}, expected code {code}")
+    expected = sorted(event for steps, _ in runs for _, _, event in steps if event)
     arrived = sorted(entry["eventType"] for entry in events)
     if arrived != expected:
         fail(f"expected to arrive: {expected}; arrived: {arrived}")
+    tag = events[-1]["headers"]["Mobile-UUID"]
+    if not re.fullmatch("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}", tag):
+        fail(f"the second run did not send the server's tag, but {tag!r}")
 
 
 def main():
@@ -132,15 +170,21 @@ def main():
     build = ROOT / parser.parse_args().build
     with tempfile.TemporaryDirectory(prefix="zrm-demo-") as folder:
         work = pathlib.Path(folder)
+        (work / "settings.json").write_text(json.dumps(SETTINGS))
         server, port = start_server(build, work)
         try:
-            answers = run_host(build, work, port)
+            application = prepare(work)
+            first = run_host(build, work, port, application, FIRST_RUN, goes_on=lambda: not is_steered(work))
+            second = run_host(build, work, port, application, SECOND_RUN)
         finally:
             server.terminate()
             server.wait(timeout=TIMEOUT_SECONDS)
         events = [json.loads(line) for line in (work / "events.jsonl").read_text().splitlines()]
-    show(answers, events)
-    verify(answers, events)
+    show_answers("First run, by the built-in settings: what the host asked, and what it was told", FIRST_RUN, first)
+    print(f"\nMeanwhile the library fetched the server's signed settings, {json.dumps(SETTINGS)}, and a device tag.")
+    show_answers("Second run, by the server's settings", SECOND_RUN, second)
+    show_events(events)
+    verify([(FIRST_RUN, first), (SECOND_RUN, second)], events)
     print(f"\nAll {len(events)} events that the host was promised arrived, each once.")
 
 

@@ -90,11 +90,11 @@ class Server(Program):
 
 
 class Host(Program):
-    def __init__(self, place, port, url=None, authority="tls-ca.pem"):
+    def __init__(self, place, port, url=None, authority="tls-ca.pem", options=()):
         super().__init__("zrm-host", [
             "--home", place.home, "--resources", place.resources, "--bundle", place.bundle,
             "--statistics-url", url or f"https://{HOST_NAME}:{port}/stat", "--ca", place.pki / authority,
-            "--resolve", f"{HOST_NAME}:{port}:127.0.0.1"], place.path / "host.log")
+            "--resolve", f"{HOST_NAME}:{port}:127.0.0.1", *options], place.path / "host.log")
 
     def send(self, command):
         self.process.stdin.write(command.encode() + b"\n")
@@ -133,6 +133,7 @@ class Place:
         self.home = self.path / "home"
         self.bundle = self.path / "Example.app"
         self.resources = self.path / "resources"
+        self.settings = self.path / "settings.json"
         self.bundle.mkdir()
         with open(self.bundle / "Info.plist", "wb") as file:
             plistlib.dump({"CFBundleIdentifier": "com.example.bank", "CFBundleVersion": "7"}, file)
@@ -143,6 +144,11 @@ class Place:
         pinned = self.resources / "ZRMMobileKitResources.bundle"
         pinned.mkdir(exist_ok=True)
         shutil.copy(self.pki / "VelorinRootCA.crt", pinned)
+
+
+def steered(port):
+    """Options of a host whose settings and tag come from the server on that port."""
+    return ["--resolve", f"localhost:8443:127.0.0.1:{port}", "--log-level", "0"]
 
 
 def free_port():

@@ -78,7 +78,7 @@ class Uploads(EndToEndTest):
 
     def test_other_places_are_refused(self):
         self.assertEqual(self.post(b"", path="/config/v1")[0], 404)
-        self.assertEqual(self.post(b"", path="/zwjsqd")[0], 404)
+        self.assertEqual(self.post(b"", path="/ocsp")[0], 400)
         self.assertEqual(self.post(b"", path="/elsewhere")[0], 404)
         self.assertEqual(self.post(b"", method="PUT")[0], 405)
 

@@ -49,8 +49,8 @@ void addOptions(CLI::App& app, ZRMHostOptions& options) {
         ->type_name("FILE")
         ->check(CLI::ExistingFile);
     app.add_option("--resolve", platform.resolveOverrides,
-                   "Name override, HOST:PORT:ADDRESS; repeatable")
-        ->type_name("HOST:PORT:ADDRESS")
+                   "Where a name and port are taken to lie; repeatable")
+        ->type_name("HOST:PORT:ADDRESS[:PORT]")
         ->allow_extra_args(false)
         ->check(CLI::Validator(checkOverride, ""));
     app.add_flag("--interactive", options.interactive, "Prompt for commands");

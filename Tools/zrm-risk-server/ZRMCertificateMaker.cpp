@@ -27,23 +27,6 @@ void expect(bool succeeded, const std::string& what) {
     }
 }
 
-ZRMKeyPointer makeKey(ZRMKeyKind kind) {
-    EVP_PKEY* key = nullptr;
-    switch (kind) {
-        case ZRMKeyKind::Rsa2048:
-            key = EVP_RSA_gen(2048);
-            break;
-        case ZRMKeyKind::Rsa3072:
-            key = EVP_RSA_gen(3072);
-            break;
-        case ZRMKeyKind::EcP256:
-            key = EVP_EC_gen("P-256");
-            break;
-    }
-    expect(key != nullptr, "making a key");
-    return ZRMKeyPointer(key);
-}
-
 void setSerial(X509* certificate) {
     const std::unique_ptr<BIGNUM, void (*)(BIGNUM*)> number(BN_new(), BN_free);
     expect(number && BN_rand(number.get(), kSerialBits, BN_RAND_TOP_ONE, BN_RAND_BOTTOM_ANY) == 1 &&
@@ -64,9 +47,6 @@ void setSubject(X509* certificate, const std::string& commonName) {
 }
 
 void addExtension(X509* certificate, X509* issuer, int kind, const std::string& value) {
-    if (value.empty()) {
-        return;
-    }
     X509V3_CTX context;
     X509V3_set_ctx(&context, issuer, certificate, nullptr, nullptr, 0);
     const std::unique_ptr<X509_EXTENSION, void (*)(X509_EXTENSION*)> extension(
@@ -96,30 +76,62 @@ std::unique_ptr<BIO, int (*)(BIO*)> readingBio(const std::string& text) {
 
 }  // namespace
 
-ZRMIdentity zrm_makeIdentity(const ZRMCertificateRequest& request, ZRMKeyKind kind,
-                             const ZRMIdentity* issuer) {
-    ZRMIdentity made{makeKey(kind), ZRMCertificatePointer(X509_new())};
-    auto* certificate = made.certificate.get();
+ZRMKeyPointer zrm_makeKey(ZRMKeyKind kind) {
+    EVP_PKEY* key = nullptr;
+    switch (kind) {
+        case ZRMKeyKind::Rsa2048:
+            key = EVP_RSA_gen(2048);
+            break;
+        case ZRMKeyKind::Rsa3072:
+            key = EVP_RSA_gen(3072);
+            break;
+        case ZRMKeyKind::EcP256:
+            key = EVP_EC_gen("P-256");
+            break;
+    }
+    expect(key != nullptr, "making a key");
+    return ZRMKeyPointer(key);
+}
+
+ZRMCertificatePointer zrm_makeCertificate(const ZRMCertificateRequest& request, EVP_PKEY* key,
+                                          const ZRMIdentity* issuer) {
+    ZRMCertificatePointer made(X509_new());
+    auto* certificate = made.get();
     expect(certificate != nullptr && X509_set_version(certificate, X509_VERSION_3) == 1,
            "making a certificate");
     setSerial(certificate);
     setSubject(certificate, request.commonName);
     auto* issuerCertificate = issuer != nullptr ? issuer->certificate.get() : certificate;
+    const long from = -kBackdatingSeconds - request.validFromDaysAgo * kSecondsPerDay;
     expect(X509_set_issuer_name(certificate, X509_get_subject_name(issuerCertificate)) == 1 &&
-               X509_gmtime_adj(X509_getm_notBefore(certificate), -kBackdatingSeconds) != nullptr &&
+               X509_gmtime_adj(X509_getm_notBefore(certificate), from) != nullptr &&
                X509_gmtime_adj(X509_getm_notAfter(certificate),
                                request.validDays * kSecondsPerDay) != nullptr &&
-               X509_set_pubkey(certificate, made.key.get()) == 1,
+               X509_set_pubkey(certificate, key) == 1,
            "filling in the certificate");
-    addExtension(certificate, issuerCertificate, NID_basic_constraints, request.basicConstraints);
-    addExtension(certificate, issuerCertificate, NID_key_usage, request.keyUsage);
-    addExtension(certificate, issuerCertificate, NID_ext_key_usage, request.extendedKeyUsage);
-    addExtension(certificate, issuerCertificate, NID_subject_key_identifier, "hash");
-    addExtension(certificate, issuerCertificate, NID_authority_key_identifier, "keyid:always");
-    addExtension(certificate, issuerCertificate, NID_subject_alt_name, request.subjectAltName);
-    auto* signingKey = issuer != nullptr ? issuer->key.get() : made.key.get();
+    const auto add = [&](int kind, const std::string& prefix, const std::string& value) {
+        if (!value.empty()) {
+            addExtension(certificate, issuerCertificate, kind, prefix + value);
+        }
+    };
+    add(NID_basic_constraints, "", request.basicConstraints);
+    add(NID_key_usage, "", request.keyUsage);
+    add(NID_ext_key_usage, "", request.extendedKeyUsage);
+    add(NID_subject_key_identifier, "", "hash");
+    add(NID_authority_key_identifier, "", "keyid:always");
+    add(NID_subject_alt_name, "", request.subjectAltName);
+    add(NID_info_access, "OCSP;URI:", request.ocspUrl);
+    add(NID_crl_distribution_points, "URI:", request.crlUrl);
+    auto* signingKey = issuer != nullptr ? issuer->key.get() : key;
     expect(X509_sign(certificate, signingKey, EVP_sha256()) > 0, "signing the certificate");
     return made;
+}
+
+ZRMIdentity zrm_makeIdentity(const ZRMCertificateRequest& request, ZRMKeyKind kind,
+                             const ZRMIdentity* issuer) {
+    auto key = zrm_makeKey(kind);
+    auto certificate = zrm_makeCertificate(request, key.get(), issuer);
+    return {std::move(key), std::move(certificate)};
 }
 
 std::string zrm_pemFromKey(EVP_PKEY* key) {
@@ -133,6 +145,15 @@ std::string zrm_pemFromCertificate(X509* certificate) {
     const auto bio = memoryBio();
     expect(PEM_write_bio_X509(bio.get(), certificate) == 1, "writing a certificate");
     return pemText(bio);
+}
+
+std::string zrm_derFromCertificate(X509* certificate) {
+    unsigned char* start = nullptr;
+    const int length = i2d_X509(certificate, &start);
+    expect(length > 0, "writing a certificate");
+    std::string der(reinterpret_cast<const char*>(start), static_cast<std::size_t>(length));
+    OPENSSL_free(start);
+    return der;
 }
 
 ZRMKeyPointer zrm_keyFromPem(const std::string& pem) {

@@ -29,13 +29,22 @@ struct ZRMCertificateRequest {
     std::string keyUsage;
     std::string extendedKeyUsage;  // empty: none
     std::string subjectAltName;    // empty: none
+    std::string ocspUrl{};         // where its revocation is asked for; empty: none
+    std::string crlUrl{};          // where the list of the revoked lies; empty: none
+    long validFromDaysAgo = 0;     // beside an hour
 };
 
 enum class ZRMKeyKind { Rsa2048, Rsa3072, EcP256 };
 
-// Makes a key and a certificate for it, signed with SHA-256 by `issuer`, or by itself where that is
-// null. It is valid from an hour ago, with a random serial number of 127 bits. Throws
-// std::runtime_error with OpenSSL's reason.
+// These throw std::runtime_error with OpenSSL's reason.
+ZRMKeyPointer zrm_makeKey(ZRMKeyKind kind);
+
+// Makes a certificate for the key, signed with SHA-256 by `issuer`, or by the key itself where that
+// is null, with a random serial number of 127 bits.
+ZRMCertificatePointer zrm_makeCertificate(const ZRMCertificateRequest& request, EVP_PKEY* key,
+                                          const ZRMIdentity* issuer);
+
+// Makes a key and a certificate for it.
 ZRMIdentity zrm_makeIdentity(const ZRMCertificateRequest& request, ZRMKeyKind kind,
                              const ZRMIdentity* issuer);
 
@@ -43,5 +52,6 @@ ZRMIdentity zrm_makeIdentity(const ZRMCertificateRequest& request, ZRMKeyKind ki
 // encrypted.
 std::string zrm_pemFromKey(EVP_PKEY* key);
 std::string zrm_pemFromCertificate(X509* certificate);
+std::string zrm_derFromCertificate(X509* certificate);
 ZRMKeyPointer zrm_keyFromPem(const std::string& pem);
 ZRMCertificatePointer zrm_certificateFromPem(const std::string& pem);

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::array<std::string_view, 3> kEndpoints{"stat", "config", "tag"};
+constexpr std::array<std::string_view, 6> kEndpoints{"stat", "config", "tag", "ocsp", "crl", "x5u"};
 constexpr std::string_view kDelayPrefix = "delay=";
 constexpr unsigned long kLongestDelayMilliseconds = 24UL * 60 * 60 * 1000;
 

@@ -12,7 +12,7 @@
 struct ZRMFault {
     enum class Kind { Status, Reset, Close, Garbage, Delay };
 
-    std::string endpoint;  // "stat", "config" or "tag"
+    std::string endpoint;  // "stat", "config", "tag", "ocsp", "crl" or "x5u"
     Kind kind = Kind::Status;
     int status = 0;                      // of Kind::Status, 200 to 599
     std::chrono::milliseconds delay{0};  // of Kind::Delay

@@ -13,8 +13,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "Tools/zrm-risk-server/ZRMCertificateMaker.h"
-
 namespace {
 
 namespace fs = std::filesystem;
@@ -109,10 +107,14 @@ void makeAll(const fs::path& directory) {
     }
 }
 
+ZRMIdentity identity(const fs::path& directory, const Entry& entry) {
+    auto certificate = zrm_certificateFromPem(readFile(directory / entry.certificate));
+    return {zrm_keyFromPem(readFile(directory / entry.key)), std::move(certificate)};
+}
+
 void check(const fs::path& directory, const Entry& entry) {
     const auto certificateFile = directory / entry.certificate;
-    const auto certificate = zrm_certificateFromPem(readFile(certificateFile));
-    const auto key = zrm_keyFromPem(readFile(directory / entry.key));
+    const auto [key, certificate] = identity(directory, entry);
     if (X509_check_private_key(certificate.get(), key.get()) != 1) {
         throw std::runtime_error(certificateFile.string() + " does not belong to its key");
     }
@@ -173,8 +175,16 @@ fs::path ZRMPki::signingCertificateFile() const {
     return directory_ / kSigning.certificate;
 }
 
-fs::path ZRMPki::signingKeyFile() const {
-    return directory_ / kSigning.key;
+ZRMIdentity ZRMPki::root() const {
+    return identity(directory_, kRoot);
+}
+
+ZRMIdentity ZRMPki::intermediate() const {
+    return identity(directory_, kIntermediate);
+}
+
+ZRMKeyPointer ZRMPki::signingKey() const {
+    return zrm_keyFromPem(readFile(directory_ / kSigning.key));
 }
 
 fs::path ZRMPki::tlsAuthorityFile() const {

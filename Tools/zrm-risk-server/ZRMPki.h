@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <string>
 
+#include "Tools/zrm-risk-server/ZRMCertificateMaker.h"
+
 // Two trees without a common root:
 //
 //   VelorinRootCA.crt  ->  signing-intermediate.crt  ->  signing.crt     for the documents it signs
@@ -23,7 +25,10 @@ class ZRMPki {
     [[nodiscard]] std::filesystem::path rootCertificateFile() const;
     [[nodiscard]] std::filesystem::path intermediateCertificateFile() const;
     [[nodiscard]] std::filesystem::path signingCertificateFile() const;
-    [[nodiscard]] std::filesystem::path signingKeyFile() const;
+    // Root and intermediate with their keys, and the signing key.
+    [[nodiscard]] ZRMIdentity root() const;
+    [[nodiscard]] ZRMIdentity intermediate() const;
+    [[nodiscard]] ZRMKeyPointer signingKey() const;
     [[nodiscard]] std::filesystem::path tlsAuthorityFile() const;
     [[nodiscard]] std::filesystem::path tlsCertificateFile() const;
     [[nodiscard]] std::filesystem::path tlsKeyFile() const;

@@ -4,12 +4,15 @@
 
 #include <CLI/CLI.hpp>
 
+#include "Tools/zrm-risk-server/ZRMDocuments.h"
+
 namespace {
 
 constexpr int kWrongUsage = 2;
 
 constexpr const char* kFaultHelp =
-    "A fault to commit, as ENDPOINT:KIND[*COUNT]; repeatable. ENDPOINT is stat, config or tag. "
+    "A fault to commit, as ENDPOINT:KIND[*COUNT]; repeatable. ENDPOINT is stat, config, tag, "
+    "ocsp, crl or x5u. "
     "KIND "
     "is a status number (200 to 599), reset, close, garbage or delay=DURATION (2s, 500ms). COUNT "
     "is "
@@ -46,8 +49,10 @@ std::variant<ZRMRiskServerOptions, int> zrm_readRiskServerOptions(int argc, cons
     ZRMRiskServerOptions options;
     CLI::App app{"A reference risk server for demos, tests and integrators.", "zrm-risk-server"};
     app.footer(
-        "Takes uploads at /stat. /config/v1 and /zwjsqd have nothing to serve in this version and "
-        "answer 404.");
+        "Takes uploads at /stat. With --pki it serves signed settings at /config/v1 and signed "
+        "device tags at /zwjsqd, an OCSP responder at /ocsp and lists of revoked certificates "
+        "below /crl.\nMisbehaviours: " +
+        zrm_misbehavioursHelp() + ".");
     app.add_option_function<std::string>(
            "--listen",
            [&options](const std::string& text) {
@@ -64,6 +69,38 @@ std::variant<ZRMRiskServerOptions, int> zrm_readRiskServerOptions(int argc, cons
                    "Keeps the keys and certificates, which are made on first use; clients need its "
                    "VelorinRootCA.crt and tls-ca.pem")
         ->type_name("DIR");
+    app.add_option("--settings", options.settingsFile,
+                   "Flat JSON of settings to sign and serve; read anew for each request")
+        ->type_name("FILE");
+    app.add_option_function<std::string>(
+           "--tag-interval",
+           [&options](const std::string& text) {
+               const auto interval = zrm_isoDurationFromText(text);
+               if (!interval) {
+                   throw CLI::ValidationError("--tag-interval", "'" + text + "' is no duration");
+               }
+               options.tagInterval = *interval;
+           },
+           "After which a device is to ask for its tag again: ISO 8601, or such as 90s, 30m, 2h; "
+           "P1D by default")
+        ->type_name("DURATION");
+    app.add_flag("--x5u", options.namesChain,
+                 "Name the signing certificate by its address instead of delivering the chain");
+    app.add_option_function<std::vector<std::string>>(
+           "--misbehave",
+           [&options](const std::vector<std::string>& texts) {
+               for (const auto& text : texts) {
+                   const auto misbehaviour = zrm_misbehaviourFromText(text);
+                   if (!misbehaviour) {
+                       throw CLI::ValidationError("--misbehave",
+                                                  "'" + text + "' is no misbehaviour");
+                   }
+                   options.misbehaviours.insert(*misbehaviour);
+               }
+           },
+           "Do that wrong with every signed document; repeatable")
+        ->type_name("KIND")
+        ->allow_extra_args(false);
     app.add_option("--events", options.eventsFile, "Appends one JSON line per accepted upload")
         ->type_name("FILE");
     app.add_option_function<std::vector<std::string>>(
@@ -85,6 +122,9 @@ std::variant<ZRMRiskServerOptions, int> zrm_readRiskServerOptions(int argc, cons
         app.parse(argc, argv);
         if (!options.plain && options.pkiDirectory.empty()) {
             throw CLI::ValidationError("HTTPS needs --pki DIR; --plain does without");
+        }
+        if (!options.settingsFile.empty() && options.pkiDirectory.empty()) {
+            throw CLI::ValidationError("--settings needs --pki DIR for the keys to sign with");
         }
     } catch (const CLI::ParseError& error) {
         return app.exit(error, out, err) == 0 ? 0 : kWrongUsage;

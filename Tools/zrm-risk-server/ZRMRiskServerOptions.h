@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "Tools/zrm-risk-server/ZRMFault.h"
+#include "Tools/zrm-risk-server/ZRMMisbehaviour.h"
 
 struct ZRMListenAddress {
     std::string host = "127.0.0.1";  // a name or an address, IPv6 without brackets
@@ -24,8 +25,12 @@ struct ZRMListenAddress {
 struct ZRMRiskServerOptions {
     ZRMListenAddress listen;
     bool plain = false;
-    std::string pkiDirectory;  // empty only with `plain`
-    std::string eventsFile;    // empty: uploads are not kept
+    std::string pkiDirectory;         // empty only with `plain`
+    std::string eventsFile;           // empty: uploads are not kept
+    std::string settingsFile;         // empty: no settings are served
+    std::string tagInterval = "P1D";  // ISO 8601
+    bool namesChain = false;          // by its address, "x5u", in place of "x5c"
+    ZRMMisbehaviours misbehaviours;
     std::vector<ZRMFault> faults;
     bool quiet = false;
 };

@@ -9,18 +9,36 @@
 
 namespace {
 
+constexpr const char* kJose = "application/jose+json";
+constexpr const char* kCrl = "application/pkix-crl";
+
 ZRMServerAnswer refusal(int status, std::string_view reason) {
     boost::json::object body;
     body["error"] = reason;
     return {status, "application/json", boost::json::serialize(body)};
 }
 
+ZRMServerAnswer nothingToServe() {
+    return refusal(404, "nothing to serve here");
+}
+
+// `methods` are separated by blanks.
+bool allows(std::string_view methods, std::string_view method) {
+    return !method.empty() &&
+           (" " + std::string(methods) + " ").find(" " + std::string(method) + " ") !=
+               std::string::npos;
+}
+
 }  // namespace
 
 const ZRMRiskService::Endpoint ZRMRiskService::kEndpoints[] = {
-    {"stat", "/stat", &ZRMRiskService::answerUpload},
-    {"config", "/config/v1", &ZRMRiskService::answerNothingToServe},
-    {"tag", "/zwjsqd", &ZRMRiskService::answerNothingToServe},
+    {"stat", "/stat", "POST", &ZRMRiskService::answerUpload},
+    {"config", "/config/v1", "POST", &ZRMRiskService::answerSettings},
+    {"tag", "/zwjsqd", "POST", &ZRMRiskService::answerTag},
+    {"ocsp", ZRMSigningChain::kOcspPath, "POST", &ZRMRiskService::answerOcsp},
+    {"crl", ZRMSigningChain::kRootCrlPath, "GET", &ZRMRiskService::answerRootCrl},
+    {"crl", ZRMSigningChain::kIntermediateCrlPath, "GET", &ZRMRiskService::answerIntermediateCrl},
+    {"x5u", ZRMSigningChain::kLeafPath, "GET POST", &ZRMRiskService::answerLeaf},
 };
 
 ZRMRiskService::ZRMRiskService(std::unique_ptr<ZRMEventsFile> events, std::vector<ZRMFault> faults,
@@ -58,8 +76,9 @@ ZRMServerReply ZRMRiskService::handle(const ZRMServerRequest& request) {
         reply.delay = fault ? fault->delay : reply.delay;
         if (endpoint == nullptr) {
             reply.answer = refusal(404, "no such endpoint");
-        } else if (request.method != "POST") {
-            reply.answer = refusal(405, "only POST is served here");
+        } else if (!allows(endpoint->methods, request.method)) {
+            reply.answer =
+                refusal(405, "only " + std::string(endpoint->methods) + " is served here");
         } else {
             reply.answer = (this->*endpoint->answer)(request);
         }
@@ -87,8 +106,45 @@ ZRMServerAnswer ZRMRiskService::answerUpload(const ZRMServerRequest& request) {
     }
 }
 
-ZRMServerAnswer ZRMRiskService::answerNothingToServe(const ZRMServerRequest&) {
-    return refusal(404, "nothing to serve here");
+ZRMServerAnswer ZRMRiskService::answerSettings(const ZRMServerRequest&) {
+    try {
+        const auto settings = documents_ ? documents_->settings() : std::nullopt;
+        return settings ? ZRMServerAnswer{200, kJose, *settings} : nothingToServe();
+    } catch (const ZRMUnusableSettings& unusable) {
+        logLine("settings not served: " + std::string(unusable.what()));
+        return refusal(500, unusable.what());
+    }
+}
+
+ZRMServerAnswer ZRMRiskService::answerTag(const ZRMServerRequest& request) {
+    return documents_ ? ZRMServerAnswer{200, kJose,
+                                        documents_->tag(request.header("Mobile-UUID").value_or(""))}
+                      : nothingToServe();
+}
+
+ZRMServerAnswer ZRMRiskService::answerOcsp(const ZRMServerRequest& request) {
+    if (!documents_) {
+        return nothingToServe();
+    }
+    const auto response = documents_->chain().answerOcsp(request.body);
+    return response ? ZRMServerAnswer{200, "application/ocsp-response", *response}
+                    : refusal(400, "no OCSP request");
+}
+
+ZRMServerAnswer ZRMRiskService::answerRootCrl(const ZRMServerRequest&) {
+    return documents_ ? ZRMServerAnswer{200, kCrl, documents_->chain().rootCrl()}
+                      : nothingToServe();
+}
+
+ZRMServerAnswer ZRMRiskService::answerIntermediateCrl(const ZRMServerRequest&) {
+    return documents_ ? ZRMServerAnswer{200, kCrl, documents_->chain().intermediateCrl()}
+                      : nothingToServe();
+}
+
+ZRMServerAnswer ZRMRiskService::answerLeaf(const ZRMServerRequest&) {
+    return documents_
+               ? ZRMServerAnswer{200, "application/x-pem-file", documents_->chain().leafPem()}
+               : nothingToServe();
 }
 
 void ZRMRiskService::logLine(const std::string& line) {

@@ -18,7 +18,7 @@ struct ZRMLinuxPlatformOptions {
     std::string bundleDirectory;
     // PEM file of the certificate authorities that TLS trusts; otherwise the system's.
     std::string certificateAuthorityFile;
-    // "HOST:PORT:ADDRESS" overrides of name resolution.
+    // "HOST:PORT:ADDRESS" or "HOST:PORT:ADDRESS:PORT": where a name and port are taken to lie.
     std::vector<std::string> resolveOverrides;
     // The host's own main loop; otherwise a thread of the library's is the main queue.
     std::shared_ptr<ZRMQueue> mainQueue;

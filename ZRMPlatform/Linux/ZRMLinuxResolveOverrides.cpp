@@ -23,14 +23,22 @@ std::optional<ZRMLinuxResolveOverride> zrm_parseResolveOverride(std::string_view
     }
     const auto port = text.substr(hostEnd + 1, portEnd - hostEnd - 1);
     auto address = text.substr(portEnd + 1);
+    auto toPort = port;
+    const bool isBracketed = address.starts_with('[');
+    const auto colons = std::ranges::count(address, ':');
+    if (isBracketed ? !address.ends_with(']') : colons == 1) {
+        const auto end = address.rfind(':');
+        toPort = address.substr(end == std::string_view::npos ? address.size() : end + 1);
+        address = address.substr(0, end);
+    }
     if (address.starts_with('[') && address.ends_with(']')) {
         address = address.substr(1, address.size() - 2);
     }
-    if (!isPort(port) || !ZRMLinuxIpAddress::fromText(std::string(address))) {
+    if (!isPort(port) || !isPort(toPort) || !ZRMLinuxIpAddress::fromText(std::string(address))) {
         return std::nullopt;
     }
     return ZRMLinuxResolveOverride{zrm_lowerHostName(text.substr(0, hostEnd)), std::string(port),
-                                   std::string(address)};
+                                   std::string(address), std::string(toPort)};
 }
 
 std::vector<ZRMLinuxResolveOverride> zrm_parseResolveOverrides(
@@ -40,7 +48,7 @@ std::vector<ZRMLinuxResolveOverride> zrm_parseResolveOverrides(
         if (auto parsed = zrm_parseResolveOverride(text)) {
             overrides.push_back(std::move(*parsed));
         } else {
-            zrm_writeToConsole("Not a HOST:PORT:ADDRESS override: " + text + "\n");
+            zrm_writeToConsole("Not a HOST:PORT:ADDRESS[:PORT] override: " + text + "\n");
         }
     }
     return overrides;

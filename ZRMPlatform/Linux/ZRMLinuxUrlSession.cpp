@@ -62,7 +62,7 @@ ZRMLinuxCurlList connectToList(const std::vector<ZRMLinuxResolveOverride>& overr
     for (const auto& entry : overrides) {
         const bool isV6 = entry.address.find(':') != std::string::npos;
         const auto address = isV6 ? "[" + entry.address + "]" : entry.address;
-        const auto line = entry.host + ":" + entry.port + ":" + address + ":" + entry.port;
+        const auto line = entry.host + ":" + entry.port + ":" + address + ":" + entry.toPort;
         if (auto* const longer = curl_slist_append(list.get(), line.c_str())) {
             static_cast<void>(list.release());
             list.reset(longer);

@@ -34,6 +34,27 @@ TEST(ZRMRiskServerOptions, HasTheDocumentedDefaults) {
     EXPECT_EQ(options.eventsFile, "");
     EXPECT_TRUE(options.faults.empty());
     EXPECT_FALSE(options.quiet);
+    EXPECT_EQ(options.settingsFile, "");
+    EXPECT_EQ(options.tagInterval, "P1D");
+    EXPECT_FALSE(options.namesChain);
+    EXPECT_TRUE(options.misbehaviours.empty());
+}
+
+TEST(ZRMRiskServerOptions, ReadsWhatToSignAndHowBadly) {
+    const auto reading = read({"--pki", "/p", "--settings", "/s", "--tag-interval", "90s", "--x5u",
+                               "--misbehave", "wrong-key", "--misbehave", "alg-none"});
+    const auto& options = reading.options();
+    EXPECT_EQ(options.settingsFile, "/s");
+    EXPECT_EQ(options.tagInterval, "PT90S");
+    EXPECT_TRUE(options.namesChain);
+    EXPECT_EQ(options.misbehaviours,
+              (ZRMMisbehaviours{ZRMMisbehaviour::WrongKey, ZRMMisbehaviour::AlgNone}));
+}
+
+TEST(ZRMRiskServerOptions, RefusesWhatItCannotSign) {
+    EXPECT_EQ(std::get<int>(read({"--pki", "/p", "--misbehave", "badly"}).result), 2);
+    EXPECT_EQ(std::get<int>(read({"--pki", "/p", "--tag-interval", "soon"}).result), 2);
+    EXPECT_EQ(std::get<int>(read({"--plain", "--settings", "/s"}).result), 2);
 }
 
 TEST(ZRMRiskServerOptions, ReadsEveryOption) {
@@ -54,7 +75,9 @@ TEST(ZRMRiskServerOptions, ReadsEveryOption) {
 TEST(ZRMRiskServerOptions, HelpNamesEveryOptionAndExitsZero) {
     const auto reading = read({"--help"});
     EXPECT_EQ(std::get<int>(reading.result), 0);
-    for (const auto* option : {"--listen", "--plain", "--pki", "--events", "--fault", "--quiet"}) {
+    for (const auto* option :
+         {"--listen", "--plain", "--pki", "--events", "--fault", "--quiet", "--settings",
+          "--tag-interval", "--x5u", "--misbehave", "wrong-key"}) {
         EXPECT_THAT(reading.out, testing::HasSubstr(option));
     }
 }

@@ -113,6 +113,24 @@ TEST_F(ZRMRiskServiceTest, AnswersOtherPathsAndMethods) {
     EXPECT_EQ(status("POST", "/zwjsqd"), 404);
 }
 
+TEST_F(ZRMRiskServiceTest, HasNothingToServeBesideUploadsWithoutDocuments) {
+    ZRMRiskService service(nullptr, {}, true, log_);
+    const auto status = [&service](const char* method, const char* target) {
+        ZRMServerRequest request;
+        request.method = method;
+        request.target = target;
+        return service.handle(request).answer.status;
+    };
+    EXPECT_EQ(status("POST", "/ocsp"), 404);
+    EXPECT_EQ(status("GET", "/crl/root.crl"), 404);
+    EXPECT_EQ(status("GET", "/crl/intermediate.crl"), 404);
+    EXPECT_EQ(status("POST", "/certificates/signing.crt"), 404);
+    EXPECT_EQ(status("GET", "/ocsp"), 405);
+    EXPECT_EQ(status("POST", "/crl/root.crl"), 405);
+    EXPECT_EQ(status("PUT", "/certificates/signing.crt"), 405);
+    EXPECT_EQ(status("", "/stat"), 405);
+}
+
 TEST_F(ZRMRiskServiceTest, CommitsFaultsInOrderAndThenServes) {
     ZRMRiskService service(
         events(), faults({"stat:503", "stat:reset", "stat:close", "stat:garbage"}), false, log_);

@@ -37,7 +37,35 @@ constexpr const char* kEnd = R"(
   empty there is no policy, and the detector keeps its own default.
 
 Any other missing or empty text, and a URL text that is no URL, is an error of whoever made the
-document: reading it throws "Parameter is nil: " with the key.
+document: reading it throws "Parameter is nil: " with the key. A server's document can only bring
+about the last of these; activation then fails with error 1 and that text.
+
+## From the server to its effect
+
+The library asks with a POST to "configUpdateUrl", at each activation after which "configUpdateInterval"
+has passed since the last success. The body describes the application ("appId", "appVersion", "os",
+"osVersion", "clientId", "version", "deviceTag"; what is absent is left out). The answer is a JWS object
+in the general JSON serialization whose payload, base64url without padding, is
+
+```json
+{"config": {"uiNavigationEventDisabled": "false", "configUpdateInterval": "PT12H"}}
+```
+
+It is stored, byte by byte, in `ZRM/zrm.settings` below the application-support directory once every
+signature has verified against the pinned root; then the time is noted. A failure on the way changes
+neither file nor time. The settings in force never change: the next activation takes the document over.
+
+| What the next activation finds | What it does |
+|---|---|
+| no file, or bytes that are no JWS object | starts with the defaults |
+| no signature at all | fails: "Signature not found." |
+| a payload that is no base64url, no JSON object, or repeats a name | fails with error 1 |
+| no "config", or one that is no object | fails with error 1, which names it |
+| an entry that breaks its rule, or is no text | starts; the entry keeps its default |
+| an entry that is not in the table | starts; passes it over |
+
+What lies on the device was verified when it came and is not held against the certificates again: they
+may have expired since.
 
 ## Reading what was written
 
