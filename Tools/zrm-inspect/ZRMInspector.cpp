@@ -37,19 +37,33 @@ Subcommand add(CLI::App& parent, const char* name, const char* argument, const c
     return {app, std::move(inspect)};
 }
 
+Subcommand addJws(CLI::App& app, std::string& value) {
+    const auto options = std::make_shared<ZRMJwsInspectionOptions>();
+    auto jws = add(
+        app, "jws", "FILE", "A signed document: its form and the results of its signatures",
+        [options](const std::string& path) { return zrm_inspectJws(path, *options); }, value);
+    jws.app->add_option("--root", options->rootPath, "The pinned root certificate as PEM");
+    jws.app->add_option("--at", options->atSecondsSince1970,
+                        "Verifies as of that many seconds since 1970");
+    jws.app->add_flag("--no-revocation", options->withoutRevocation,
+                      "Asks nobody for revoked certificates");
+    jws.app->add_flag("--pinned-anchors-only", options->pinnedAnchorsOnly,
+                      "Takes no delivered certificate for an anchor");
+    return jws;
+}
+
 std::vector<Subcommand> addSubcommands(CLI::App& app, std::string& value) {
     std::vector<Subcommand> all{
         add(app, "upload", "FILE", "The body of an upload, down to its event", zrm_inspectUpload,
             value),
         add(app, "store", "HOME", "The queued records, oldest first, with their event types",
             zrm_inspectStore, value),
-        add(app, "jws", "FILE", "A signed document: its form, without verifying its signatures",
-            zrm_inspectJws, value),
         add(app, "duration", "TEXT", "An ISO 8601 duration in seconds", zrm_inspectDuration, value),
         add(app, "server-date", "TEXT", "A \"Date\" header in seconds since 1970",
             zrm_inspectServerDate, value),
         add(app, "http-url", "TEXT", "Whether the library takes a text for an HTTP URL",
             zrm_inspectHttpUrl, value)};
+    all.push_back(addJws(app, value));
     const auto infoPlist = std::make_shared<std::string>();
     all.push_back(add(
         app, "signature", "FILE", "The code signature of an executable file, each slice of it",
@@ -65,13 +79,13 @@ std::vector<Subcommand> addSubcommands(CLI::App& app, std::string& value) {
     return all;
 }
 
-// The words as CLI11 takes them, last first. A last word that follows a subcommand is its argument
+// The words as CLI11 takes them, last first. The one word that follows a subcommand is its argument
 // even where it begins with "-", as base64url may.
 std::vector<std::string> wordsLastFirst(int argc, const char* const* argv) {
     std::vector<std::string> words(argv + 1, argv + argc);
-    const bool needsMark = words.size() > 1 && words.back().starts_with('-') &&
-                           words.back() != "--help" && words.back() != "-h" &&
-                           words[words.size() - 2] != "--";
+    const std::size_t names = !words.empty() && words.front() == "base64url" ? 2 : 1;
+    const bool needsMark = words.size() == names + 1 && words.back().starts_with('-') &&
+                           words.back() != "--help" && words.back() != "-h";
     if (needsMark) {
         words.insert(words.end() - 1, "--");
     }

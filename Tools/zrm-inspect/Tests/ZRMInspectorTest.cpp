@@ -191,15 +191,24 @@ TEST_F(ZRMInspectorFile, ReportsAFileThatCannotBeRead) {
     }
 }
 
-TEST_F(ZRMInspectorFile, JwsTellsValidityAndLeavesSignaturesUnverified) {
-    const auto signature = std::string(R"({"protected":"a","signature":"b","header":{}})");
-    const auto valid = inspectContent(
-        "jws", R"({"payload":"e30","signatures":[)" + signature + "," + signature + "]}");
-    EXPECT_EQ(valid.out, "{\"validity\":2,\"results\":[null,null],\"error\":null}\n");
-    EXPECT_EQ(valid.status, 0);
-    const auto unsignedOne = inspectContent("jws", R"({"payload":"e30","signatures":[]})");
-    EXPECT_EQ(unsignedOne.out, "{\"validity\":2,\"results\":[],\"error\":null}\n");
-    EXPECT_EQ(unsignedOne.status, 0);
+TEST_F(ZRMInspectorFile, JwsTakesItsOptionsBehindTheFileInAnyOrder) {
+    const std::string path = "/nowhere/at/all";
+    for (const std::vector<const char*>& options :
+         {std::vector<const char*>{"--no-revocation"},
+          {"--pinned-anchors-only", "--no-revocation"},
+          {"--root", "/nowhere/root.pem", "--at", "1700000000", "--pinned-anchors-only"},
+          {"--at", "1700000000.5"}}) {
+        std::vector<const char*> words{"jws", path.c_str()};
+        words.insert(words.end(), options.begin(), options.end());
+        const auto run = inspect(words);
+        EXPECT_EQ(run.err, "");
+        EXPECT_EQ(run.status, 1);
+        EXPECT_TRUE(run.report().at("validity").is_null());
+    }
+    EXPECT_EQ(inspect({"jws", path.c_str(), "--at", "noon"}).status, 2);
+    EXPECT_EQ(inspect({"jws", path.c_str(), "--at"}).status, 2);
+    EXPECT_EQ(inspect({"jws", path.c_str(), "--root"}).status, 2);
+    EXPECT_EQ(inspect({"jws", path.c_str(), "--unknown"}).status, 2);
 }
 
 TEST_F(ZRMInspectorFile, JwsTellsWhichPartIsInvalid) {

@@ -11,14 +11,17 @@ namespace {
 class Answers {
   public:
     Answers(std::size_t expected, bool checkCert,
-            ZRMJwsSignatureVerifier::CompletionHandler completionHandler)
+            ZRMJwsSignatureVerifier::ResultsHandler resultsHandler)
         : missing_(expected),
           checkCert_(checkCert),
-          completionHandler_(std::move(completionHandler)) {}
+          results_(expected, ZRMJwsVerifyResultNone),
+          resultsHandler_(std::move(resultsHandler)) {}
 
     // True for the answer that was the last one missing.
-    [[nodiscard]] bool add(ZRMJwsVerifyResult result, std::optional<ZRMError> error) {
+    [[nodiscard]] bool add(std::size_t index, ZRMJwsVerifyResult result,
+                           std::optional<ZRMError> error) {
         const std::lock_guard lock(mutex_);
+        results_[index] = result;
         if (result != ZRMJwsVerifyResultVerified && checkCert_ && !error_) {
             error_ =
                 error ? std::move(error) : ZRMJwsErrorFactory::errorForCode(ZRMJwsErrorUnknown);
@@ -26,14 +29,15 @@ class Answers {
         return --missing_ == 0;
     }
     // After the last answer.
-    void complete() { completionHandler_(error_); }
+    void complete() { resultsHandler_(error_, results_); }
 
   private:
     std::mutex mutex_;
     std::size_t missing_;
     const bool checkCert_;
     std::optional<ZRMError> error_;
-    const ZRMJwsSignatureVerifier::CompletionHandler completionHandler_;
+    std::vector<ZRMJwsVerifyResult> results_;
+    const ZRMJwsSignatureVerifier::ResultsHandler resultsHandler_;
 };
 
 }  // namespace
@@ -51,19 +55,29 @@ ZRMJwsSignatureVerifier::ZRMJwsSignatureVerifier(std::shared_ptr<const ZRMPlatfo
 void ZRMJwsSignatureVerifier::verifySignaturesForJwsObject(const ZRMJwsObject& jwsObject,
                                                            bool checkCert,
                                                            CompletionHandler completionHandler) {
+    verifyEachSignatureForJwsObject(jwsObject, checkCert,
+                                    [completionHandler = std::move(completionHandler)](
+                                        std::optional<ZRMError> error, const auto& /*results*/) {
+                                        completionHandler(std::move(error));
+                                    });
+}
+
+void ZRMJwsSignatureVerifier::verifyEachSignatureForJwsObject(const ZRMJwsObject& jwsObject,
+                                                              bool checkCert,
+                                                              ResultsHandler resultsHandler) {
     const auto& signatures = jwsObject.signatures();
     if (signatures.empty()) {
-        completionHandler(ZRMJwsErrorFactory::errorForCode(ZRMJwsErrorSignatureNotFound));
+        resultsHandler(ZRMJwsErrorFactory::errorForCode(ZRMJwsErrorSignatureNotFound), {});
         return;
     }
     const auto answers =
-        std::make_shared<Answers>(signatures.size(), checkCert, std::move(completionHandler));
+        std::make_shared<Answers>(signatures.size(), checkCert, std::move(resultsHandler));
     const auto queue = platform_->executor->concurrentQueue(ZRMQualityOfService::Default);
-    for (const auto& signature : signatures) {
+    for (std::size_t index = 0; index < signatures.size(); ++index) {
         verifier_.verifyJwsSignature(
-            signature, jwsObject.payload(),
-            [answers, queue](ZRMJwsVerifyResult result, std::optional<ZRMError> error) {
-                if (answers->add(result, std::move(error))) {
+            signatures[index], jwsObject.payload(),
+            [answers, queue, index](ZRMJwsVerifyResult result, std::optional<ZRMError> error) {
+                if (answers->add(index, result, std::move(error))) {
                     queue->post([answers] { answers->complete(); });
                 }
             });

@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "ZRMJWS/ZRMJWS_Lib/Json/ZRMJwsObject.h"
 #include "ZRMJWS/ZRMJWS_Lib/Verifier/ZRMJwsVerifier.h"
@@ -12,6 +13,9 @@
 class ZRMJwsSignatureVerifier {
   public:
     using CompletionHandler = std::function<void(std::optional<ZRMError> error)>;
+    // With the results of all signatures, in the object's order.
+    using ResultsHandler =
+        std::function<void(std::optional<ZRMError> error, std::vector<ZRMJwsVerifyResult> results)>;
 
     // The pinned root as PEM.
     ZRMJwsSignatureVerifier(std::shared_ptr<const ZRMPlatform> platform, ZRMData rootCertificate);
@@ -25,6 +29,9 @@ class ZRMJwsSignatureVerifier {
     // verified or `checkCert` is false.
     void verifySignaturesForJwsObject(const ZRMJwsObject& jwsObject, bool checkCert,
                                       CompletionHandler completionHandler);
+    // The same, for who wants to know what each signature came to.
+    void verifyEachSignatureForJwsObject(const ZRMJwsObject& jwsObject, bool checkCert,
+                                         ResultsHandler resultsHandler);
 
   private:
     std::shared_ptr<const ZRMPlatform> platform_;

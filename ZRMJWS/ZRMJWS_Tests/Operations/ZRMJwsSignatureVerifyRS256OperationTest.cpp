@@ -273,6 +273,16 @@ TEST_F(Operation, AForeignRootThatComesAlongIsRefusedByTheSwitchAlone) {
     EXPECT_EQ(verify(alone), ZRMJwsVerifyResultBadCertificate);
 }
 
+TEST_F(Operation, ALeafDeliveredTwiceAnchorsItselfUnlessTheSwitchIsOn) {
+    auto options = ZRMTestPki::leafOptions();
+    options.name = "nobody's";
+    const auto own = pki_.selfSigned(options);
+    EXPECT_EQ(verify(signatureBy(own, x5c({own}))), ZRMJwsVerifyResultBadCertificate);
+    EXPECT_EQ(verify(signatureBy(own, x5c({own, own}))), ZRMJwsVerifyResultVerified);
+    configuration_ = configuration_.withAnchorsAtPinnedCertificatesOnly(true);
+    EXPECT_EQ(verify(signatureBy(own, x5c({own, own}))), ZRMJwsVerifyResultBadCertificate);
+}
+
 TEST_F(Operation, ARevokedLeafIsABadCertificateUnlessNobodyIsAsked) {
     auto options = ZRMTestPki::leafOptions();
     options.extensions.emplace_back("authorityInfoAccess", "OCSP;URI:http://pki.example/ocsp");

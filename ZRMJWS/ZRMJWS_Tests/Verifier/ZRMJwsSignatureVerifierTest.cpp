@@ -86,6 +86,22 @@ TEST_F(ZRMJwsSignatureVerifierTest, ASignatureWithoutAnOperationCountsAsAnswered
     }
 }
 
+TEST_F(ZRMJwsSignatureVerifierTest, TellsTheResultOfEachSignatureInTheObjectsOrder) {
+    std::vector<ZRMJwsVerifyResult> told;
+    Answer error;
+    verifier_.verifyEachSignatureForJwsObject(
+        {payload_, {corrupt(), goodSignature(), mismatch(), signatureBy(leaf_, ZRMDictionary())}},
+        true, [&](Answer first, std::vector<ZRMJwsVerifyResult> results) {
+            error = std::move(first);
+            told = std::move(results);
+        });
+    device_.runUntilIdle();
+    EXPECT_EQ(error, unknownError());
+    EXPECT_EQ(told, (std::vector<ZRMJwsVerifyResult>{
+                        ZRMJwsVerifyResultNone, ZRMJwsVerifyResultVerified,
+                        ZRMJwsVerifyResultMismatch, ZRMJwsVerifyResultNoChain}));
+}
+
 TEST_F(ZRMJwsSignatureVerifierTest, TheFirstErrorWins) {
     device_.network().handleEverything([](const ZRMUrlRequest&) {
         return ZRMSimulatedAnswer::withError(ZRMUrlErrorCannotFindHost);
