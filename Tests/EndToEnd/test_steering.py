@@ -2,6 +2,7 @@
 import json
 import re
 import unittest
+import urllib.request
 
 from programs import EndToEndTest, free_port, steered
 
@@ -204,6 +205,58 @@ class SteeringTest(EndToEndTest):
         host = self.start_steered_host(server)
         self.assertIsNone(host.run("activate")["error"])
         host.quit()
+
+    def document(self, *options):
+        """A file with what a server started so serves at once, fetched past the library."""
+        server = self.start_steering_server("--plain", *options)
+        request = urllib.request.Request(f"http://localhost:{server.port}/config/v1", data=b"{}")
+        path = self.place.path / "document.json"
+        with urllib.request.urlopen(request, timeout=30) as answer:
+            path.write_bytes(answer.read())
+        return server, path
+
+    def test_the_inspector_gives_the_verifiers_verdict(self):
+        root = ["--root", self.place.pki / "VelorinRootCA.crt"]
+        unknown = {"domain": "ZRMJWSErrorDomain", "code": 0, "message": UNKNOWN}
+        rows = [
+            ([], [], [6]), ([], root, [6]), ([], [*root, "--pinned-anchors-only"], [6]),
+            ([], ["--pinned-anchors-only"], [2]),
+            ([], [*root, "--at", "4102444800"], [2]),  # the year 2100
+            (["wrong-key"], root, [4]), (["expired-leaf"], root, [2]), (["foreign-root"], root, [2]),
+            (["revoked-leaf"], root, [2]), (["revoked-leaf"], [*root, "--no-revocation"], [6]),
+            (["bad-second-signature"], root, [6, 4]), (["corrupted-payload"], root, [4]),
+            (["unpadded-header"], root, [None]), (["alg-hs256"], root, [None]), (["alg-none"], root, [None]),
+        ]
+        for kinds, options, results in rows:
+            with self.subTest(kinds=kinds, options=options):
+                server, path = self.document(*(word for kind in kinds for word in ("--misbehave", kind)))
+                verified = all(result == 6 for result in results)
+                self.assertEqual(self.inspect("jws", path, *options), (0 if verified else 1, {
+                    "validity": 2, "results": results, "error": None if verified else unknown}))
+                server.stop()
+        server, path = self.document("--misbehave", "missing-signatures")
+        status, report = self.inspect("jws", path, *root)
+        self.assertEqual((status, report["validity"], report["error"]["code"]), (1, 0, 0))
+
+    def test_the_inspector_gives_the_validators_verdict(self):
+        root = ["--root", self.place.pki / "VelorinRootCA.crt"]
+        server, path = self.document()
+        status, report = self.inspect("settings", path, *root)
+        self.assertEqual((status, report["rejected"], report["error"]), (0, [], None))
+        self.assertEqual(report["settings"] | SETTINGS, report["settings"])
+        server.stop()
+
+        server, path = self.document("--misbehave", "out-of-range")
+        status, report = self.inspect("settings", path, *root)
+        self.assertEqual(status, 1)
+        self.assertEqual(report["rejected"], ["configUpdateInterval", "execSessionTimeout", "statisticsUrl",
+                                              "vpnEventDisabled", "iosCallActiveStateCheckCount"])
+        self.assertEqual(report["settings"]["configUpdateInterval"], "P1D")
+        server.stop()
+
+        server, path = self.document("--misbehave", "wrong-key")
+        self.assertEqual(self.inspect("settings", path)[0], 0)
+        self.assertEqual(self.inspect("settings", path, *root)[1]["error"]["message"], UNKNOWN)
 
     def test_without_a_server_the_defaults_and_the_placeholder_stay(self):
         host = self.start_host(free_port(), options=steered(free_port()))

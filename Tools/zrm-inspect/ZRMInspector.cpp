@@ -11,6 +11,7 @@
 
 #include "Tools/zrm-inspect/ZRMInspection.h"
 #include "Tools/zrm-inspect/ZRMJwsInspection.h"
+#include "Tools/zrm-inspect/ZRMSettingsInspection.h"
 #include "Tools/zrm-inspect/ZRMSignatureInspection.h"
 #include "Tools/zrm-inspect/ZRMStoreInspection.h"
 #include "Tools/zrm-inspect/ZRMTextInspections.h"
@@ -52,6 +53,17 @@ Subcommand addJws(CLI::App& app, std::string& value) {
     return jws;
 }
 
+Subcommand addSettings(CLI::App& app, std::string& value) {
+    const auto rootPath = std::make_shared<std::string>();
+    auto settings = add(
+        app, "settings", "FILE", "The settings that a document makes, and its rejected keys",
+        [rootPath](const std::string& path) { return zrm_inspectSettings(path, *rootPath); },
+        value);
+    settings.app->add_option("--root", *rootPath,
+                             "The pinned root certificate as PEM; verifies as well");
+    return settings;
+}
+
 std::vector<Subcommand> addSubcommands(CLI::App& app, std::string& value) {
     std::vector<Subcommand> all{
         add(app, "upload", "FILE", "The body of an upload, down to its event", zrm_inspectUpload,
@@ -64,6 +76,7 @@ std::vector<Subcommand> addSubcommands(CLI::App& app, std::string& value) {
         add(app, "http-url", "TEXT", "Whether the library takes a text for an HTTP URL",
             zrm_inspectHttpUrl, value)};
     all.push_back(addJws(app, value));
+    all.push_back(addSettings(app, value));
     const auto infoPlist = std::make_shared<std::string>();
     all.push_back(add(
         app, "signature", "FILE", "The code signature of an executable file, each slice of it",

@@ -80,8 +80,8 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(ZRMInspector, HelpNamesTheSubcommandsAndExitsZero) {
     const auto run = inspect({"--help"});
     EXPECT_EQ(run.status, 0);
-    for (const auto* name :
-         {"upload", "store", "jws", "duration", "server-date", "http-url", "base64url"}) {
+    for (const auto* name : {"upload", "store", "jws", "settings", "duration", "server-date",
+                             "http-url", "base64url"}) {
         EXPECT_THAT(run.out, testing::HasSubstr(name));
     }
     EXPECT_EQ(inspect({"duration", "--help"}).status, 0);
@@ -183,7 +183,7 @@ TEST_F(ZRMInspectorFile, UploadRefusesAPayloadThatIsNotOneEvent) {
 }
 
 TEST_F(ZRMInspectorFile, ReportsAFileThatCannotBeRead) {
-    for (const auto* subcommand : {"upload", "jws"}) {
+    for (const auto* subcommand : {"upload", "jws", "settings"}) {
         const auto run = inspect({subcommand, "/nowhere/at/all"});
         EXPECT_EQ(run.status, 1);
         EXPECT_EQ(run.report().at("error").as_object().at("domain").as_string(),

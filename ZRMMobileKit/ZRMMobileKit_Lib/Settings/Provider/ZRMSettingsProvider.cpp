@@ -58,11 +58,13 @@ void ZRMSettingsProvider::fetchSettingsJsonFromStorageWithCompletionHandler(
                           completionHandler(std::nullopt, std::move(error));
                           return;
                       }
-                      auto json = settingsJsonFromJwsObject(object);
-                      if (json) {
-                          completionHandler(std::move(json).value(), std::nullopt);
+                      const auto config = configFromJwsObject(object);
+                      if (config) {
+                          completionHandler(
+                              ZRMSettingsJsonValidator::validSettingsJsonFromJson(config.value()),
+                              std::nullopt);
                       } else {
-                          completionHandler(std::nullopt, json.error());
+                          completionHandler(std::nullopt, config.error());
                       }
                   });
 }
@@ -75,8 +77,7 @@ ZRMResult<ZRMDictionary> ZRMSettingsProvider::jsonObjectFromData(const ZRMData& 
     return object;
 }
 
-ZRMResult<ZRMDictionary> ZRMSettingsProvider::settingsJsonFromJwsObject(
-    const ZRMJwsObject& jwsObject) {
+ZRMResult<ZRMDictionary> ZRMSettingsProvider::configFromJwsObject(const ZRMJwsObject& jwsObject) {
     const auto data = zrm_dataFromJwsPayload(jwsObject.payload());
     if (!data) {
         return invalidFormat();
@@ -90,7 +91,7 @@ ZRMResult<ZRMDictionary> ZRMSettingsProvider::settingsJsonFromJwsObject(
         return ZRMMobileKitErrorFactory::settingsInvalidFormatErrorForField(kZRMSettingsConfigKey,
                                                                             config);
     }
-    return ZRMSettingsJsonValidator::validSettingsJsonFromJson(config->get_object());
+    return config->get_object();
 }
 
 ZRMResult<ZRMMobileServiceSettings> ZRMSettingsProvider::settingsFromValidJson(

@@ -31,8 +31,8 @@ class ZRMSettingsProvider final : public ZRMSettingsProviding {
     // Error 1 where the bytes are no JSON object.
     static ZRMResult<ZRMDictionary> jsonObjectFromData(const ZRMData& data);
 
-    // The cleaned "config" in an envelope's payload. Error 1 where there is none.
-    static ZRMResult<ZRMDictionary> settingsJsonFromJwsObject(const ZRMJwsObject& jwsObject);
+    // The "config" in an envelope's payload, as it is. Error 1 where there is none.
+    static ZRMResult<ZRMDictionary> configFromJwsObject(const ZRMJwsObject& jwsObject);
 
     // The document over the defaults. Error 1 where a text that passed for a URL is none.
     static ZRMResult<ZRMMobileServiceSettings> settingsFromValidJson(const ZRMDictionary& json);
