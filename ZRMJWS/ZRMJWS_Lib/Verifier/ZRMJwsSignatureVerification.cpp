@@ -25,7 +25,16 @@ ZRMJwsSignatureVerification zrm_jwsSignatureVerification(
     return verificationWith(std::move(platform), std::move(rootCertificate), true);
 }
 
-ZRMJwsSignatureVerification zrm_jwsSignatureVerificationWithoutRevocation(
+ZRMJwsSignatureVerification zrm_jwsStoredSignatureVerification(
     std::shared_ptr<const ZRMPlatform> platform, ZRMData rootCertificate) {
-    return verificationWith(std::move(platform), std::move(rootCertificate), false);
+    return [verify = verificationWith(std::move(platform), std::move(rootCertificate), false)](
+               const ZRMJwsObject& jwsObject, bool checkCert,
+               ZRMJwsSignatureVerifier::CompletionHandler completionHandler) {
+        if (checkCert || jwsObject.signatures().empty()) {
+            verify(jwsObject, checkCert, std::move(completionHandler));
+            return;
+        }
+        verify(jwsObject, checkCert, [](const std::optional<ZRMError>&) {});
+        completionHandler(std::nullopt);
+    };
 }

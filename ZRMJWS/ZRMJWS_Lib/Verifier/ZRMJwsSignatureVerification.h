@@ -13,7 +13,9 @@ using ZRMJwsSignatureVerification = std::function<void(
 // By a verifier of its own. The root is PEM.
 ZRMJwsSignatureVerification zrm_jwsSignatureVerification(
     std::shared_ptr<const ZRMPlatform> platform, ZRMData rootCertificate);
-// The same without asking anybody whether a certificate was revoked: for a check whose outcome does
-// not depend on the certificates, and that must not wait for the network.
-ZRMJwsSignatureVerification zrm_jwsSignatureVerificationWithoutRevocation(
+// The same for a document that lies on the device. Without `checkCert` the answer depends on
+// nothing but there being a signature: it is given at once, on the caller's thread, and the
+// verification, which asks nobody about revocation then, only writes its log. So no start waits for
+// the network.
+ZRMJwsSignatureVerification zrm_jwsStoredSignatureVerification(
     std::shared_ptr<const ZRMPlatform> platform, ZRMData rootCertificate);

@@ -49,7 +49,7 @@ std::shared_ptr<ZRMMobileService> ZRMMobileService::createServiceWithConfigurati
     auto platform = ZRMPlatform::current();
     auto settingsProvider = std::make_shared<ZRMSettingsProvider>(
         std::make_shared<ZRMSettingsStorage>(platform->fileManager, platform->directories),
-        zrm_jwsSignatureVerificationWithoutRevocation(
+        zrm_jwsStoredSignatureVerification(
             platform, ZRMCertificateProvider::rootCertificate(*platform->resourceBundles,
                                                               *platform->fileManager)));
     auto impl = std::make_shared<ZRMMobileServiceImpl>(std::move(platform), configuration,
