@@ -28,7 +28,7 @@ class StandingClock final : public ZRMClock {
 };
 
 std::shared_ptr<const ZRMPlatform> platformFor(const ZRMJwsInspectionOptions& options) {
-    const auto current = ZRMPlatform::current();
+    auto current = ZRMPlatform::current();
     if (!options.atSecondsSince1970) {
         return current;
     }

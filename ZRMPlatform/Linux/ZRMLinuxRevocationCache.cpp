@@ -5,12 +5,11 @@
 #include <openssl/evp.h>
 #include <openssl/x509.h>
 
-// All zeros, which is the digest of nothing known, when the digest is not to be had.
-ZRMLinuxRevocationCache::Fingerprint ZRMLinuxRevocationCache::fingerprintOf(
+std::optional<ZRMLinuxRevocationCache::Fingerprint> ZRMLinuxRevocationCache::fingerprintOf(
     const X509* certificate) {
     Fingerprint fingerprint{};
     if (X509_digest(certificate, EVP_sha256(), fingerprint.data(), nullptr) != 1) {
-        return {};
+        return std::nullopt;
     }
     return fingerprint;
 }
@@ -18,7 +17,7 @@ ZRMLinuxRevocationCache::Fingerprint ZRMLinuxRevocationCache::fingerprintOf(
 ZRMLinuxRevocationAnswer ZRMLinuxRevocationCache::find(const X509* certificate, ZRMDate now) const {
     const auto fingerprint = fingerprintOf(certificate);
     const std::lock_guard lock(mutex_);
-    const auto found = answers_.find(fingerprint);
+    const auto found = fingerprint ? answers_.find(*fingerprint) : answers_.end();
     if (found == answers_.end() || now < found->second.from || found->second.until < now) {
         return {};
     }
@@ -28,11 +27,11 @@ ZRMLinuxRevocationAnswer ZRMLinuxRevocationCache::find(const X509* certificate, 
 void ZRMLinuxRevocationCache::keep(const X509* certificate,
                                    const ZRMLinuxRevocationAnswer& answer) {
     const auto fingerprint = fingerprintOf(certificate);
-    if (answer.status == ZRMLinuxRevocationStatus::NoAnswer || fingerprint == Fingerprint()) {
+    if (answer.status == ZRMLinuxRevocationStatus::NoAnswer || !fingerprint) {
         return;
     }
     const std::lock_guard lock(mutex_);
-    answers_[fingerprint] = answer;
+    answers_[*fingerprint] = answer;
     if (answers_.size() > kMaximumEntries) {
         answers_.erase(std::ranges::min_element(
             answers_, {}, [](const auto& entry) { return entry.second.until; }));

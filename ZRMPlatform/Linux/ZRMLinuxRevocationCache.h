@@ -23,7 +23,8 @@ class ZRMLinuxRevocationCache {
   private:
     using Fingerprint = std::array<std::uint8_t, 32>;  // SHA-256
 
-    static Fingerprint fingerprintOf(const X509* certificate);
+    // Absent when the digest is not to be had.
+    static std::optional<Fingerprint> fingerprintOf(const X509* certificate);
 
     mutable std::mutex mutex_;
     std::map<Fingerprint, ZRMLinuxRevocationAnswer> answers_;
