@@ -2,6 +2,8 @@
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Json/ZRMJsonText.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLog.h"
 #include "ZRMCoreKit/ZRMCoreKit_Tests/Support/ZRMRecordedLog.h"
+#include "ZRMJWS/ZRMJWS_Tests/Support/ZRMFakeJwsVerification.h"
+#include "ZRMMobileKit/ZRMMobileKit_Lib/Categories/NSFileManager/NSFileManager+ZRMMobileKit.h"
 #include "ZRMMobileKit/ZRMMobileKit_Tests/Support/ZRMEndToEndFixture.h"
 
 namespace {
@@ -297,4 +299,44 @@ TEST_F(ZRMMobileServiceEndToEnd, EveryOrderOfWorkEndsWithEachHandlerCalledOnce) 
         EXPECT_THAT(events("UserLoginEvent"), SizeIs(1)) << seed;
         EXPECT_THAT(events("UserLogoutEvent"), SizeIs(1)) << seed;
     }
+}
+
+TEST_F(ZRMMobileServiceEndToEnd, StoredSettingsAreInForceFromTheActivationOn) {
+    const auto path = zrm_mobileKitSettingsFilePath(*device_.platform()->directories);
+    device_.disk().put(path, zrm_jwsTextWithPayload(
+                                 R"({"config":{"uiNavigationEventDisabled":"false",
+                                               "userLogoutEventDisabled":"true"}})"));
+    EXPECT_TRUE(activate().succeededOnMain());
+    ZRMHandlerRecord navigation;
+    ZRMHandlerRecord logout;
+    service_->sendUINavigationEvent("/accounts", navigation.handler());
+    service_->sendLogoutWithCompletionHandler(logout.handler());
+    device_.runUntilIdle();
+    EXPECT_TRUE(navigation.succeededOnMain());
+    EXPECT_EQ(logout.code(), 12);
+    EXPECT_THAT(events("UINavigationEvent"), SizeIs(1));
+}
+
+TEST_F(ZRMMobileServiceEndToEnd, StoredSettingsThatCannotBeUsedFailTheActivationUntilTheyAreGone) {
+    const auto path = zrm_mobileKitSettingsFilePath(*device_.platform()->directories);
+    device_.disk().put(path, zrm_jwsTextWithPayload("{}"));
+    EXPECT_EQ(activate().code(), 1);
+    device_.disk().put(path, "no document at all");
+    ZRMHandlerRecord again;
+    service_->activateWithCompletionHandler(again.handler());
+    device_.runUntilIdle();
+    EXPECT_TRUE(again.succeededOnMain());
+}
+
+TEST_F(ZRMMobileServiceEndToEnd, DocumentsThatDoNotVerifyChangeNeitherSettingsNorTag) {
+    const auto answer = ZRMSimulatedAnswer::withBody(
+        zrm_jwsTextWithPayload(R"({"config":{},"uuid":"stolen","i":"P1D"})"));
+    device_.network().script("/config/v1", answer);
+    device_.network().script("/zwjsqd", answer);
+    EXPECT_TRUE(activate().succeededOnMain());
+    EXPECT_EQ(device_.network().requestsTo("/config/v1").size(), 1u);
+    EXPECT_EQ(device_.network().requestsTo("/zwjsqd").size(), 1u);
+    EXPECT_FALSE(
+        device_.disk().holdsFile(zrm_mobileKitSettingsFilePath(*device_.platform()->directories)));
+    EXPECT_EQ(service_->deviceTag()->substr(36, 3), "_L!");
 }
