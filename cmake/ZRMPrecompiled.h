@@ -1,9 +1,9 @@
-// What nearly every source file needs and what is slow to read. Sources still include what they use.
+// What nearly every source file needs and what is slow to read. Sources still include what they
+// use.
 #pragma once
 
 #include <algorithm>
 #include <atomic>
-#include <boost/json.hpp>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -18,3 +18,5 @@
 #include <utility>
 #include <variant>
 #include <vector>
+
+#include <boost/json.hpp>

@@ -1,16 +1,17 @@
-#include "ZRMPlatform/Linux/ZRMLinuxJailbreakTraits.h"
-
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+
+#include <gtest/gtest.h>
+
+#include "ZRMPlatform/Linux/ZRMLinuxJailbreakTraits.h"
 
 namespace {
 
 struct ZRMLinuxUrlOpenerTest : ::testing::Test {
     ZRMLinuxUrlOpenerTest() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "zrm-opener-XXXXXX").string();
+        std::string pattern =
+            (std::filesystem::temp_directory_path() / "zrm-opener-XXXXXX").string();
         folder = mkdtemp(pattern.data());
         std::ofstream(folder + "/mimeinfo.cache")
             << "[MIME Cache]\nx-scheme-handler/cydia=manager.desktop;\nx-scheme-handler/empty=\n";
@@ -31,7 +32,8 @@ TEST_F(ZRMLinuxUrlOpenerTest, ARegisteredSchemeCanBeOpenedInAnyCase) {
 }
 
 TEST_F(ZRMLinuxUrlOpenerTest, OtherSchemesAndTextsWithoutOneCannot) {
-    for (const char* const url : {"cydiax://package", "empty:x", "cydia", "", ":", "1cydia:x", "x=y:z"}) {
+    for (const char* const url :
+         {"cydiax://package", "empty:x", "cydia", "", ":", "1cydia:x", "x=y:z"}) {
         EXPECT_FALSE(opener().canOpenUrl(url)) << url;
     }
 }

@@ -20,5 +20,6 @@ class ZRMResourceBundles {
   public:
     virtual ~ZRMResourceBundles() = default;
     // The directory of the library's resource bundle of that name ("….bundle"), or absent.
-    [[nodiscard]] virtual std::optional<std::string> pathForBundle(const std::string& name) const = 0;
+    [[nodiscard]] virtual std::optional<std::string> pathForBundle(
+        const std::string& name) const = 0;
 };

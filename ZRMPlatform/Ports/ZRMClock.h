@@ -8,7 +8,7 @@
 
 // The kernel's boot time, the pair that "kern.boottime" holds.
 struct ZRMBootTime {
-    std::int64_t seconds = 0;      // since 1970
+    std::int64_t seconds = 0;       // since 1970
     std::int32_t microseconds = 0;  // 0 to 999999
 };
 

@@ -23,7 +23,8 @@ class ZRMExecutor {
     virtual ~ZRMExecutor() = default;
 
     // A new queue of its own; labels need not be unique.
-    virtual std::shared_ptr<ZRMQueue> makeSerialQueue(std::string label, ZRMQualityOfService qos) = 0;
+    virtual std::shared_ptr<ZRMQueue> makeSerialQueue(std::string label,
+                                                      ZRMQualityOfService qos) = 0;
 
     // The one shared concurrent queue of that quality of service.
     virtual std::shared_ptr<ZRMQueue> concurrentQueue(ZRMQualityOfService qos) = 0;

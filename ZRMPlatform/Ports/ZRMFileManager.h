@@ -35,7 +35,8 @@ class ZRMFileManager {
     [[nodiscard]] virtual bool fileExists(const std::string& path) const = 0;       // no directory
     [[nodiscard]] virtual bool directoryExists(const std::string& path) const = 0;  // a directory
     // The names of what a directory holds, sorted by their bytes, without "." and "..".
-    virtual ZRMResult<std::vector<std::string>> contentsOfDirectory(const std::string& path) const = 0;
+    virtual ZRMResult<std::vector<std::string>> contentsOfDirectory(
+        const std::string& path) const = 0;
     // With all missing parents; a directory that exists already is success.
     virtual std::optional<ZRMError> createDirectory(const std::string& path) = 0;
     // An empty file; one that exists already is emptied.

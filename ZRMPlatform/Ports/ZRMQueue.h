@@ -30,9 +30,9 @@ class ZRMQueue {
     // From any thread.
     virtual void post(ZRMTask task) = 0;
 
-    // Posts the task once the wall clock has advanced by `delaySeconds` (0 or less: at once). A wall
-    // clock that jumps forward makes the timer due early. Timers due at the same moment fire in the
-    // order of their making.
+    // Posts the task once the wall clock has advanced by `delaySeconds` (0 or less: at once). A
+    // wall clock that jumps forward makes the timer due early. Timers due at the same moment fire
+    // in the order of their making.
     virtual std::shared_ptr<ZRMTimerHandle> postAfter(double delaySeconds, ZRMTask task) = 0;
 
     // Posts the task every `periodSeconds` (above 0) until cancelled, first after one period. A run

@@ -44,5 +44,6 @@ class ZRMReachabilityTargets {
     virtual ~ZRMReachabilityTargets() = default;
     // Absent when no target can be made for it.
     virtual std::shared_ptr<ZRMReachabilityTarget> targetForHost(const std::string& hostName) = 0;
-    virtual std::shared_ptr<ZRMReachabilityTarget> targetForAddress(const ZRMSocketAddress& address) = 0;
+    virtual std::shared_ptr<ZRMReachabilityTarget> targetForAddress(
+        const ZRMSocketAddress& address) = 0;
 };

@@ -53,8 +53,9 @@ class ZRMUrlSession {
     // this call returns. It may start other sessions and may drop this one.
     virtual void start(const ZRMUrlRequest& request, Completion completion) = 0;
 
-    // Ends an exchange under way, or one started later, with ZRMUrlErrorCancelled; after an exchange
-    // it only lets go of the session. From any thread, any number of times. Destruction without it cancels as well.
+    // Ends an exchange under way, or one started later, with ZRMUrlErrorCancelled; after an
+    // exchange it only lets go of the session. From any thread, any number of times. Destruction
+    // without it cancels as well.
     virtual void invalidateAndCancel() = 0;
 };
 
@@ -62,5 +63,6 @@ class ZRMUrlSessionFactory {
   public:
     virtual ~ZRMUrlSessionFactory() = default;
     // From any thread; never absent.
-    virtual std::shared_ptr<ZRMUrlSession> makeSession(const ZRMUrlSessionConfiguration& configuration) = 0;
+    virtual std::shared_ptr<ZRMUrlSession> makeSession(
+        const ZRMUrlSessionConfiguration& configuration) = 0;
 };
