@@ -104,7 +104,7 @@ std::string zrm_decodeBase64Url(std::string_view text) {
     unsigned held = 0;
     unsigned heldBits = 0;
     for (const char letter : text) {
-        const int value = kBase64UrlValues[static_cast<unsigned char>(letter)];
+        const std::int8_t value = kBase64UrlValues[static_cast<unsigned char>(letter)];
         if (value < 0) {
             throw ZRMMalformedUpload("the payload is not base64url");
         }

@@ -10,7 +10,8 @@ std::optional<ZRMDate> serverDate(const ZRMServerTimeProvider* provider) {
     if (provider == nullptr || !provider->isValid()) {
         return {};
     }
-    return ZRMDate{static_cast<double>(provider->getTime() / 1000)};
+    const std::int64_t wholeSeconds = provider->getTime() / 1000;
+    return ZRMDate{static_cast<double>(wholeSeconds)};
 }
 
 std::optional<ZRMDictionary> permissionStates(const ZRMEventPermissionChecker& checker,
