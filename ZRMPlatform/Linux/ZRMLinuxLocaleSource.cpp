@@ -72,3 +72,11 @@ std::string ZRMLinuxLocaleSource::localeIdentifier() const {
     }
     return plainLocale("");
 }
+
+std::string ZRMLinuxLocaleSource::systemLocaleIdentifier() const {
+    return plainLocale("");
+}
+
+std::vector<std::string> ZRMLinuxLocaleSource::preferredLanguages() const {
+    return {};
+}

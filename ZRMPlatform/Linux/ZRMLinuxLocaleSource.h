@@ -16,6 +16,8 @@ class ZRMLinuxLocaleSource : public ZRMLocaleSource {
 
     [[nodiscard]] std::string timeZoneIdentifier() const override;
     [[nodiscard]] std::string localeIdentifier() const override;
+    [[nodiscard]] std::string systemLocaleIdentifier() const override;
+    [[nodiscard]] std::vector<std::string> preferredLanguages() const override;
 
   private:
     std::shared_ptr<const ZRMProcessEnvironment> environment_;

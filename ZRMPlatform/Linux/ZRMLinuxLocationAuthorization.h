@@ -1,7 +1,7 @@
 // Whether the application may ask where the device is.
 #pragma once
 
-#include "ZRMPlatform/Ports/ZRMDevice.h"
+#include "ZRMPlatform/Ports/ZRMLocationServices.h"
 
 // There is no location source on Linux yet, so that nobody was ever asked: "not determined".
 class ZRMLinuxLocationAuthorization : public ZRMLocationAuthorization {

@@ -6,6 +6,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 // May be called from any thread; never blocks.
 class ZRMDevice {
@@ -13,6 +14,15 @@ class ZRMDevice {
     virtual ~ZRMDevice() = default;
     [[nodiscard]] virtual std::string systemName() const = 0;
     [[nodiscard]] virtual std::optional<std::string> systemVersion() const = 0;
+    // As the user named it; absent when there is no name.
+    [[nodiscard]] virtual std::optional<std::string> name() const = 0;
+    // The kind of device in the user's language.
+    [[nodiscard]] virtual std::optional<std::string> localizedModel() const = 0;
+    // A UUID that is the same for all applications of one maker on this device, and for no others.
+    [[nodiscard]] virtual std::optional<std::string> identifierForVendor() const = 0;
+    [[nodiscard]] virtual bool isMultitaskingSupported() const = 0;
+    // The machine field of uname, such as "iPhone10,3" or "x86_64".
+    [[nodiscard]] virtual std::string hardwareIdentifier() const = 0;
 };
 
 // The link-level address of a network interface, read in the steps the kernel asks for: its index,
@@ -34,15 +44,12 @@ class ZRMLocaleSource {
     virtual ~ZRMLocaleSource() = default;
     // IANA name, such as "Europe/Vienna".
     [[nodiscard]] virtual std::string timeZoneIdentifier() const = 0;
-    // ICU form, such as "de_AT".
+    // The current one, in ICU form, such as "de_AT".
     [[nodiscard]] virtual std::string localeIdentifier() const = 0;
-};
-
-class ZRMLocationAuthorization {
-  public:
-    virtual ~ZRMLocationAuthorization() = default;
-    // 0 not determined, 1 restricted, 2 denied, 3 always, 4 when in use.
-    [[nodiscard]] virtual int status() const = 0;
+    // What the system falls back to where nobody chose a locale.
+    [[nodiscard]] virtual std::string systemLocaleIdentifier() const = 0;
+    // BCP 47 tags, the most preferred first.
+    [[nodiscard]] virtual std::vector<std::string> preferredLanguages() const = 0;
 };
 
 class ZRMProcessEnvironment {

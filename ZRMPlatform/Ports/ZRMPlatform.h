@@ -5,21 +5,28 @@
 #include <memory>
 
 #include "ZRMPlatform/Ports/Values/ZRMExport.h"
+#include "ZRMPlatform/Ports/ZRMApplicationNotifications.h"
 #include "ZRMPlatform/Ports/ZRMBundles.h"
+#include "ZRMPlatform/Ports/ZRMCalls.h"
 #include "ZRMPlatform/Ports/ZRMClock.h"
 #include "ZRMPlatform/Ports/ZRMConsoleLog.h"
 #include "ZRMPlatform/Ports/ZRMDevice.h"
 #include "ZRMPlatform/Ports/ZRMDigests.h"
 #include "ZRMPlatform/Ports/ZRMExecutor.h"
 #include "ZRMPlatform/Ports/ZRMFileManager.h"
+#include "ZRMPlatform/Ports/ZRMHardware.h"
 #include "ZRMPlatform/Ports/ZRMJailbreakTraits.h"
 #include "ZRMPlatform/Ports/ZRMKeychainItems.h"
 #include "ZRMPlatform/Ports/ZRMKeyedArchive.h"
 #include "ZRMPlatform/Ports/ZRMLoader.h"
+#include "ZRMPlatform/Ports/ZRMLocalAuthentication.h"
+#include "ZRMPlatform/Ports/ZRMLocationServices.h"
+#include "ZRMPlatform/Ports/ZRMNetworkInterfaces.h"
 #include "ZRMPlatform/Ports/ZRMProcessInstances.h"
 #include "ZRMPlatform/Ports/ZRMRandom.h"
 #include "ZRMPlatform/Ports/ZRMReachabilityTarget.h"
 #include "ZRMPlatform/Ports/ZRMRsaKeys.h"
+#include "ZRMPlatform/Ports/ZRMScreens.h"
 #include "ZRMPlatform/Ports/ZRMTrust.h"
 #include "ZRMPlatform/Ports/ZRMUrlSession.h"
 #include "ZRMPlatform/Ports/ZRMUserDefaults.h"
@@ -44,6 +51,18 @@ struct ZRMPlatform {
     std::shared_ptr<ZRMLinkLayer> linkLayer;
     std::shared_ptr<ZRMLocaleSource> locale;
     std::shared_ptr<ZRMLocationAuthorization> locationAuthorization;
+    std::shared_ptr<ZRMLocationServices> locationServices;
+    std::shared_ptr<ZRMCalls> calls;
+    std::shared_ptr<ZRMScreens> screens;
+    std::shared_ptr<ZRMApplicationNotifications> notifications;
+    std::shared_ptr<ZRMNetworkInterfaces> networkInterfaces;
+    std::shared_ptr<ZRMWifi> wifi;
+    std::shared_ptr<ZRMLocalAuthentication> localAuthentication;
+    std::shared_ptr<ZRMProcessInformation> processInformation;
+    std::shared_ptr<ZRMPower> power;
+    std::shared_ptr<ZRMCarriers> carriers;
+    std::shared_ptr<ZRMVolumes> volumes;
+    std::shared_ptr<ZRMKernelValues> kernelValues;
     std::shared_ptr<ZRMProcessEnvironment> processEnvironment;
     std::shared_ptr<ZRMLoader> loader;
     std::shared_ptr<ZRMFileAccess> fileAccess;

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "ZRMPlatform/Ports/ZRMDevice.h"
 
@@ -17,15 +18,38 @@ class ZRMSimulatedDeviceDescription final : public ZRMDevice {
     [[nodiscard]] std::optional<std::string> systemVersion() const override {
         return systemVersion_;
     }
+    [[nodiscard]] std::optional<std::string> name() const override { return name_; }
+    [[nodiscard]] std::optional<std::string> localizedModel() const override {
+        return localizedModel_;
+    }
+    [[nodiscard]] std::optional<std::string> identifierForVendor() const override {
+        return identifierForVendor_;
+    }
+    [[nodiscard]] bool isMultitaskingSupported() const override { return multitasking_; }
+    [[nodiscard]] std::string hardwareIdentifier() const override { return hardwareIdentifier_; }
 
     void setSystemName(std::string name) { systemName_ = std::move(name); }
     void setSystemVersion(std::optional<std::string> version) {
         systemVersion_ = std::move(version);
     }
+    void setName(std::optional<std::string> name) { name_ = std::move(name); }
+    void setLocalizedModel(std::optional<std::string> model) { localizedModel_ = std::move(model); }
+    void setIdentifierForVendor(std::optional<std::string> uuid) {
+        identifierForVendor_ = std::move(uuid);
+    }
+    void setMultitaskingSupported(bool supported) { multitasking_ = supported; }
+    void setHardwareIdentifier(std::string identifier) {
+        hardwareIdentifier_ = std::move(identifier);
+    }
 
   private:
     std::string systemName_ = "SimulatedOS";
     std::optional<std::string> systemVersion_ = "17.1";
+    std::optional<std::string> name_ = "Ada's phone";
+    std::optional<std::string> localizedModel_ = "Telefon";
+    std::optional<std::string> identifierForVendor_ = "6F1C2D3E-4A5B-4C6D-8E7F-0A1B2C3D4E5F";
+    bool multitasking_ = true;
+    std::string hardwareIdentifier_ = "iPhone10,3";
 };
 
 // One interface, "en0". Each of the three steps can be made to fail.
@@ -52,23 +76,23 @@ class ZRMSimulatedLocaleSource final : public ZRMLocaleSource {
   public:
     [[nodiscard]] std::string timeZoneIdentifier() const override { return timeZone_; }
     [[nodiscard]] std::string localeIdentifier() const override { return locale_; }
+    [[nodiscard]] std::string systemLocaleIdentifier() const override { return systemLocale_; }
+    [[nodiscard]] std::vector<std::string> preferredLanguages() const override {
+        return languages_;
+    }
 
     void setTimeZoneIdentifier(std::string identifier) { timeZone_ = std::move(identifier); }
     void setLocaleIdentifier(std::string identifier) { locale_ = std::move(identifier); }
+    void setSystemLocaleIdentifier(std::string identifier) {
+        systemLocale_ = std::move(identifier);
+    }
+    void setPreferredLanguages(std::vector<std::string> tags) { languages_ = std::move(tags); }
 
   private:
     std::string timeZone_ = "Europe/Vienna";
     std::string locale_ = "de_AT";
-};
-
-class ZRMSimulatedLocationAuthorization final : public ZRMLocationAuthorization {
-  public:
-    [[nodiscard]] int status() const override { return status_; }
-    // As the port numbers them; not determined at first.
-    void setStatus(int status) { status_ = status; }
-
-  private:
-    int status_ = 0;
+    std::string systemLocale_ = "en_US_POSIX";
+    std::vector<std::string> languages_ = {"de-AT", "en"};
 };
 
 class ZRMSimulatedProcessEnvironment final : public ZRMProcessEnvironment {

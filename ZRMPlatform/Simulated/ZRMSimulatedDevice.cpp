@@ -23,7 +23,19 @@ ZRMSimulatedDevice::ZRMSimulatedDevice()
       description_(std::make_shared<ZRMSimulatedDeviceDescription>()),
       linkLayer_(std::make_shared<ZRMSimulatedLinkLayer>()),
       locale_(std::make_shared<ZRMSimulatedLocaleSource>()),
-      locationAuthorization_(std::make_shared<ZRMSimulatedLocationAuthorization>()),
+      location_(std::make_shared<ZRMSimulatedLocation>()),
+      locationAuthorization_(std::make_shared<ZRMSimulatedLocationAuthorization>(location_)),
+      calls_(std::make_shared<ZRMSimulatedCallList>()),
+      screens_(std::make_shared<ZRMSimulatedScreens>()),
+      notifications_(std::make_shared<ZRMSimulatedNotificationCenter>()),
+      interfaces_(std::make_shared<ZRMSimulatedNetworkInterfaces>()),
+      wifi_(std::make_shared<ZRMSimulatedWifi>()),
+      localAuthentication_(std::make_shared<ZRMSimulatedLocalAuthentication>()),
+      processInformation_(std::make_shared<ZRMSimulatedProcessInformation>()),
+      power_(std::make_shared<ZRMSimulatedPower>()),
+      carriers_(std::make_shared<ZRMSimulatedCarriers>()),
+      volumes_(std::make_shared<ZRMSimulatedVolumes>()),
+      kernelValues_(std::make_shared<ZRMSimulatedKernelValues>()),
       environment_(std::make_shared<ZRMSimulatedProcessEnvironment>()),
       fileAccess_(std::make_shared<ZRMSimulatedFileAccess>()),
       commandProcessor_(std::make_shared<ZRMSimulatedCommandProcessor>()) {
@@ -79,7 +91,7 @@ std::shared_ptr<ZRMPlatform> ZRMSimulatedDevice::makePlatform() {
     platform->device = description_;
     platform->linkLayer = linkLayer_;
     platform->locale = locale_;
-    platform->locationAuthorization = locationAuthorization_;
+    addSignals(*platform);
     platform->processEnvironment = environment_;
     platform->loader = loader_;
     platform->fileAccess = fileAccess_;
@@ -87,6 +99,25 @@ std::shared_ptr<ZRMPlatform> ZRMSimulatedDevice::makePlatform() {
     platform->commandProcessor = commandProcessor_;
     platform->random = random_;
     return platform;
+}
+
+void ZRMSimulatedDevice::addSignals(ZRMPlatform& platform) {
+    const auto mainQueue = executor_->mainQueue();
+    platform.locationAuthorization = locationAuthorization_;
+    platform.locationServices =
+        std::make_shared<ZRMSimulatedLocationServices>(location_, process_, mainQueue);
+    platform.calls = std::make_shared<ZRMSimulatedCalls>(calls_, process_);
+    platform.screens = screens_;
+    platform.notifications =
+        std::make_shared<ZRMSimulatedNotifications>(notifications_, process_, mainQueue);
+    platform.networkInterfaces = interfaces_;
+    platform.wifi = wifi_;
+    platform.localAuthentication = localAuthentication_;
+    platform.processInformation = processInformation_;
+    platform.power = power_;
+    platform.carriers = carriers_;
+    platform.volumes = volumes_;
+    platform.kernelValues = kernelValues_;
 }
 
 void ZRMSimulatedDevice::runUntilIdle() {

@@ -9,6 +9,7 @@
 
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedBundles.h"
+#include "ZRMPlatform/Simulated/ZRMSimulatedCalls.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedClock.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedConsole.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedDescription.h"
@@ -16,15 +17,18 @@
 #include "ZRMPlatform/Simulated/ZRMSimulatedDisk.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedExecutor.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedFileManager.h"
+#include "ZRMPlatform/Simulated/ZRMSimulatedHardware.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedJailbreakTraits.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedKeychain.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedKeyedArchiver.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedLoader.h"
+#include "ZRMPlatform/Simulated/ZRMSimulatedLocation.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedNetwork.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedProcess.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedRandom.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedReachability.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedRsaKeys.h"
+#include "ZRMPlatform/Simulated/ZRMSimulatedScreens.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedSqliteFiles.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedTime.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedTrust.h"
@@ -104,6 +108,22 @@ class ZRMSimulatedDevice {
     [[nodiscard]] ZRMSimulatedLocationAuthorization& locationAuthorization() {
         return *locationAuthorization_;
     }
+    [[nodiscard]] ZRMSimulatedLocation& location() { return *location_; }
+    [[nodiscard]] ZRMSimulatedCallList& calls() { return *calls_; }
+    [[nodiscard]] ZRMSimulatedScreens& screens() { return *screens_; }
+    [[nodiscard]] ZRMSimulatedNotificationCenter& notifications() { return *notifications_; }
+    [[nodiscard]] ZRMSimulatedNetworkInterfaces& networkInterfaces() { return *interfaces_; }
+    [[nodiscard]] ZRMSimulatedWifi& wifi() { return *wifi_; }
+    [[nodiscard]] ZRMSimulatedLocalAuthentication& localAuthentication() {
+        return *localAuthentication_;
+    }
+    [[nodiscard]] ZRMSimulatedProcessInformation& processInformation() {
+        return *processInformation_;
+    }
+    [[nodiscard]] ZRMSimulatedPower& power() { return *power_; }
+    [[nodiscard]] ZRMSimulatedCarriers& carriers() { return *carriers_; }
+    [[nodiscard]] ZRMSimulatedVolumes& volumes() { return *volumes_; }
+    [[nodiscard]] ZRMSimulatedKernelValues& kernelValues() { return *kernelValues_; }
     [[nodiscard]] ZRMSimulatedProcessEnvironment& processEnvironment() { return *environment_; }
     [[nodiscard]] ZRMSimulatedFileAccess& fileAccess() { return *fileAccess_; }
     [[nodiscard]] ZRMSimulatedCommandProcessor& commandProcessor() { return *commandProcessor_; }
@@ -119,6 +139,7 @@ class ZRMSimulatedDevice {
     void startProcess();
     void endProcess(ZRMSimulatedLoss loss);
     [[nodiscard]] std::shared_ptr<ZRMPlatform> makePlatform();
+    void addSignals(ZRMPlatform& platform);
     void setInstalled(bool installed);
 
     std::shared_ptr<ZRMSimulatedTime> time_;
@@ -139,7 +160,19 @@ class ZRMSimulatedDevice {
     std::shared_ptr<ZRMSimulatedDeviceDescription> description_;
     std::shared_ptr<ZRMSimulatedLinkLayer> linkLayer_;
     std::shared_ptr<ZRMSimulatedLocaleSource> locale_;
+    std::shared_ptr<ZRMSimulatedLocation> location_;
     std::shared_ptr<ZRMSimulatedLocationAuthorization> locationAuthorization_;
+    std::shared_ptr<ZRMSimulatedCallList> calls_;
+    std::shared_ptr<ZRMSimulatedScreens> screens_;
+    std::shared_ptr<ZRMSimulatedNotificationCenter> notifications_;
+    std::shared_ptr<ZRMSimulatedNetworkInterfaces> interfaces_;
+    std::shared_ptr<ZRMSimulatedWifi> wifi_;
+    std::shared_ptr<ZRMSimulatedLocalAuthentication> localAuthentication_;
+    std::shared_ptr<ZRMSimulatedProcessInformation> processInformation_;
+    std::shared_ptr<ZRMSimulatedPower> power_;
+    std::shared_ptr<ZRMSimulatedCarriers> carriers_;
+    std::shared_ptr<ZRMSimulatedVolumes> volumes_;
+    std::shared_ptr<ZRMSimulatedKernelValues> kernelValues_;
     std::shared_ptr<ZRMSimulatedProcessEnvironment> environment_;
     std::shared_ptr<ZRMSimulatedFileAccess> fileAccess_;
     std::shared_ptr<ZRMSimulatedCommandProcessor> commandProcessor_;

@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Events/ZRMCloudKitEvent.h"
-#include "ZRMPlatform/Ports/ZRMDevice.h"
+#include "ZRMPlatform/Ports/ZRMLocationServices.h"
 
 // May be used from any thread; answers for the moment of the call.
 class ZRMEventPermissionChecker {
