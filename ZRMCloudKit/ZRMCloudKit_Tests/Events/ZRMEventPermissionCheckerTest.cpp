@@ -9,7 +9,8 @@ class ZRMEventPermissionCheckerTest : public testing::TestWithParam<std::pair<in
 
 TEST_P(ZRMEventPermissionCheckerTest, AnswersFromTheAuthorizationStatus) {
     const auto [status, granted] = GetParam();
-    const auto authorization = std::make_shared<ZRMSimulatedLocationAuthorization>();
+    const auto authorization = std::make_shared<ZRMSimulatedLocationAuthorization>(
+        std::make_shared<ZRMSimulatedLocation>());
     const ZRMEventPermissionChecker checker(authorization);
     authorization->setStatus(status);
     EXPECT_EQ(checker.isLocationPermissionGranted(), granted);
@@ -24,7 +25,8 @@ INSTANTIATE_TEST_SUITE_P(Statuses, ZRMEventPermissionCheckerTest,
                                          std::pair(-1, false)));
 
 TEST(ZRMEventPermissionChecker, GrantsTheEmptyMaskAndNoUnknownPermission) {
-    const auto authorization = std::make_shared<ZRMSimulatedLocationAuthorization>();
+    const auto authorization = std::make_shared<ZRMSimulatedLocationAuthorization>(
+        std::make_shared<ZRMSimulatedLocation>());
     const ZRMEventPermissionChecker checker(authorization);
     EXPECT_TRUE(checker.isPermissionGranted(0));
     authorization->setStatus(3);
