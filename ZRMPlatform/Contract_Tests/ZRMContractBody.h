@@ -54,6 +54,15 @@ class ZRMContractBody {
     // ZRMReachabilityIsCellular, 0, or absent where they cannot be read. Reachable at first.
     [[nodiscard]] virtual std::shared_ptr<ZRMReachabilityTargets> changeableTargets() = 0;
     virtual void setFlags(std::optional<std::uint32_t> flags) = 0;
+
+    // What happens to the device.
+    virtual void updateCall(const ZRMCall& call) = 0;
+    virtual void notify(ZRMApplicationNotification notification) = 0;
+    virtual void setBiometrics(const ZRMBiometricEvaluation& evaluation) = 0;
+    virtual void setLocationServicesEnabled(bool enabled) = 0;
+    virtual void setLocationAuthorization(int status) = 0;
+    virtual void deliverLocations(const std::vector<ZRMLocation>& locations) = 0;
+    virtual void failLocation(const ZRMError& error) = 0;
 };
 
 struct ZRMContractBodyKind {
@@ -91,6 +100,11 @@ class ZRMContract : public testing::TestWithParam<ZRMContractBodyKind> {
     // Whether that many notes come.
     bool waitForNotes(std::size_t count) {
         return body_->waitFor(*notes_, [count](const auto& all) { return all.size() >= count; });
+    }
+    // Everything posted to the queue before is noted before "end".
+    bool waitForEndOf(ZRMQueue& queue) {
+        queue.post(note("end"));
+        return waitForNote("end");
     }
     bool waitForNote(const std::string& text) {
         return body_->waitFor(*notes_, [&text](const auto& all) {

@@ -22,6 +22,8 @@ TEST_P(ZRMDeviceContract, EveryPortIsPresent) {
     EXPECT_TRUE(body.locationAuthorization && body.processEnvironment && body.consoleLog);
     EXPECT_TRUE(body.loader && body.fileAccess && body.urlOpener && body.commandProcessor);
     EXPECT_TRUE(body.random && body.instances);
+    EXPECT_TRUE(body.calls && body.notifications && body.locationServices);
+    EXPECT_TRUE(body.localAuthentication);
 }
 
 TEST_P(ZRMDeviceContract, TheSystemHasANameAndAVersion) {

@@ -2,6 +2,7 @@
 #include <mutex>
 
 #include "ZRMPlatform/Contract_Tests/ZRMContractBody.h"
+#include "ZRMPlatform/HostFed/ZRMHostSignals.h"
 #include "ZRMPlatform/Linux/ZRMLinuxPlatform.h"
 #include "ZRMPlatform/Linux/ZRMLinuxReachability.h"
 #include "ZRMPlatform/Linux_Tests/ZRMLinuxRouteStubs.h"
@@ -48,6 +49,7 @@ class LinuxBody final : public ZRMContractBody {
     void restart() override {
         ZRMLinuxPlatformOptions options;
         options.homeDirectory = home_.below("home");
+        options.hostSignals = signals_;
         platform_ = zrm_makeLinuxPlatform(options);
     }
 
@@ -66,6 +68,22 @@ class LinuxBody final : public ZRMContractBody {
         routes_->set(leavingBy, leavingBy);
         changes_->announce();
     }
+
+    void updateCall(const ZRMCall& call) override { signals_->calls.update(call); }
+    void notify(ZRMApplicationNotification notification) override {
+        signals_->notifications.post(notification);
+    }
+    void setBiometrics(const ZRMBiometricEvaluation& evaluation) override {
+        signals_->biometrics.tell(evaluation);
+    }
+    void setLocationServicesEnabled(bool enabled) override {
+        signals_->location.setServicesEnabled(enabled);
+    }
+    void setLocationAuthorization(int status) override { signals_->location.setStatus(status); }
+    void deliverLocations(const std::vector<ZRMLocation>& locations) override {
+        signals_->location.deliver(locations);
+    }
+    void failLocation(const ZRMError& error) override { signals_->location.fail(error); }
 
   private:
     ZRMTestHttpServer& server() {
@@ -102,6 +120,7 @@ class LinuxBody final : public ZRMContractBody {
     }
 
     ZRMTestDirectory home_;
+    const std::shared_ptr<ZRMHostSignals> signals_ = std::make_shared<ZRMHostSignals>();
     std::shared_ptr<const ZRMPlatform> platform_;
     std::shared_ptr<ZRMStubRoutes> routes_ = std::make_shared<ZRMStubRoutes>();
     std::shared_ptr<ZRMStubRouteChanges> changes_ = std::make_shared<ZRMStubRouteChanges>();

@@ -26,11 +26,7 @@ class ZRMReachabilityChangesContract : public ZRMContract {
             notes->add(prefix + std::to_string(flags));
         };
     }
-    // Everything posted to the queue before is noted before "end".
-    bool waitForEnd() {
-        queue_->post(note("end"));
-        return waitForNote("end");
-    }
+    bool waitForEnd() { return waitForEndOf(*queue_); }
     static std::string text(std::uint32_t flags) { return std::to_string(flags); }
 
     std::shared_ptr<ZRMReachabilityTargets> targets_ = body_->changeableTargets();

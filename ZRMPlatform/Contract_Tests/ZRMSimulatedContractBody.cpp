@@ -50,6 +50,22 @@ class SimulatedBody final : public ZRMContractBody {
         device_.reachability().setFlags(flags);
     }
 
+    void updateCall(const ZRMCall& call) override { device_.calls().update(call); }
+    void notify(ZRMApplicationNotification notification) override {
+        device_.notifications().post(notification);
+    }
+    void setBiometrics(const ZRMBiometricEvaluation& evaluation) override {
+        device_.localAuthentication().evaluation = evaluation;
+    }
+    void setLocationServicesEnabled(bool enabled) override {
+        device_.location().setServicesEnabled(enabled);
+    }
+    void setLocationAuthorization(int status) override { device_.location().setStatus(status); }
+    void deliverLocations(const std::vector<ZRMLocation>& locations) override {
+        device_.location().deliver(locations);
+    }
+    void failLocation(const ZRMError& error) override { device_.location().fail(error); }
+
   private:
     static constexpr const char* kScratch = "/device/scratch";
     ZRMSimulatedDevice device_;

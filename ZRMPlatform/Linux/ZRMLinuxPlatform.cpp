@@ -1,5 +1,6 @@
 #include "ZRMPlatform/Linux/ZRMLinuxPlatform.h"
 
+#include "ZRMPlatform/HostFed/ZRMHostFedPorts.h"
 #include "ZRMPlatform/Linux/ZRMLinuxClock.h"
 #include "ZRMPlatform/Linux/ZRMLinuxConsoleLog.h"
 #include "ZRMPlatform/Linux/ZRMLinuxDevice.h"
@@ -13,7 +14,6 @@
 #include "ZRMPlatform/Linux/ZRMLinuxKeyedArchiver.h"
 #include "ZRMPlatform/Linux/ZRMLinuxLinkLayer.h"
 #include "ZRMPlatform/Linux/ZRMLinuxLocaleSource.h"
-#include "ZRMPlatform/Linux/ZRMLinuxLocationAuthorization.h"
 #include "ZRMPlatform/Linux/ZRMLinuxMainBundle.h"
 #include "ZRMPlatform/Linux/ZRMLinuxProcessEnvironment.h"
 #include "ZRMPlatform/Linux/ZRMLinuxRandom.h"
@@ -78,13 +78,14 @@ std::shared_ptr<const ZRMPlatform> zrm_makeLinuxPlatform(const ZRMLinuxPlatformO
     platform->rsaKeys = std::make_shared<ZRMLinuxRsaKeys>();
     platform->device = std::make_shared<ZRMLinuxDevice>();
     platform->locale = std::make_shared<ZRMLinuxLocaleSource>(platform->processEnvironment);
-    platform->locationAuthorization = std::make_shared<ZRMLinuxLocationAuthorization>();
     platform->loader = zrm_processLoader();
     platform->fileAccess = std::make_shared<ZRMLinuxFileAccess>();
     platform->urlOpener = std::make_shared<ZRMLinuxUrlOpener>();
     platform->commandProcessor = std::make_shared<ZRMLinuxCommandProcessor>();
     addStores(*platform, options);
     addNetwork(*platform, options);
+    zrm_joinHostFedPorts(*platform,
+                         options.hostSignals ? options.hostSignals : ZRMHostSignals::shared());
     return platform;
 }
 

@@ -7,6 +7,8 @@
 
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 
+struct ZRMHostSignals;
+
 // What a host may decide about its device body. Empty texts mean the system's own choice.
 struct ZRMLinuxPlatformOptions {
     // Directory below which documents, application support, defaults and keychain live; otherwise
@@ -22,6 +24,8 @@ struct ZRMLinuxPlatformOptions {
     std::vector<std::string> resolveOverrides;
     // The host's own main loop; otherwise a thread of the library's is the main queue.
     std::shared_ptr<ZRMQueue> mainQueue;
+    // What the host tells of the device; otherwise what it tells through ZRMDeviceSignals.
+    std::shared_ptr<ZRMHostSignals> hostSignals;
 };
 
 ZRM_EXPORT std::shared_ptr<const ZRMPlatform> zrm_makeLinuxPlatform(

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "ZRMPlatform/Linux/ZRMLinuxLocaleSource.h"
-#include "ZRMPlatform/Linux/ZRMLinuxLocationAuthorization.h"
 #include "ZRMPlatform/Linux_Tests/ZRMStubs.h"
 #include "ZRMPlatform/Linux_Tests/ZRMTestDirectory.h"
 
@@ -62,8 +61,4 @@ TEST(ZRMLinuxLocaleSource, TheNeutralLocaleIsEnUsPosix) {
         EXPECT_EQ(locale({{"LANG", name}}), "en_US_POSIX") << name;
     }
     EXPECT_EQ(locale({}), "en_US_POSIX");
-}
-
-TEST(ZRMLinuxLocationAuthorization, IsNotDetermined) {
-    EXPECT_EQ(ZRMLinuxLocationAuthorization().status(), 0);
 }

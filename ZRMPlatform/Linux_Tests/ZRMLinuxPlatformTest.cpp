@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include "ZRMPlatform/HostFed/ZRMHostSignals.h"
 #include "ZRMPlatform/Linux/ZRMLinuxPlatform.h"
 #include "ZRMPlatform/Linux_Tests/ZRMTestDirectory.h"
 
@@ -34,6 +35,10 @@ TEST(ZRMLinuxPlatform, EveryPortIsPresent) {
     EXPECT_TRUE(platform->linkLayer);
     EXPECT_TRUE(platform->locale);
     EXPECT_TRUE(platform->locationAuthorization);
+    EXPECT_TRUE(platform->locationServices);
+    EXPECT_TRUE(platform->calls);
+    EXPECT_TRUE(platform->notifications);
+    EXPECT_TRUE(platform->localAuthentication);
     EXPECT_TRUE(platform->processEnvironment);
     EXPECT_TRUE(platform->loader);
     EXPECT_TRUE(platform->fileAccess);
@@ -73,4 +78,17 @@ TEST(ZRMLinuxPlatform, TheHostsMainQueueIsTheMainQueue) {
     const auto queue =
         zrm_makeLinuxPlatform({})->executor->makeSerialQueue("host", ZRMQualityOfService::Default);
     EXPECT_EQ(zrm_makeLinuxPlatform({.mainQueue = queue})->executor->mainQueue(), queue);
+}
+
+TEST(ZRMLinuxPlatform, WhatTheHostTellsTheProcessIsHeardUnlessOtherSignalsAreGiven) {
+    const auto own = std::make_shared<ZRMHostSignals>();
+    const auto platform = zrm_makeLinuxPlatform({});
+    const auto other = zrm_makeLinuxPlatform({.hostSignals = own});
+    ZRMHostSignals::shared()->calls.update({.uuid = "shared"});
+    own->calls.update({.uuid = "own"});
+    ASSERT_EQ(platform->calls->calls().size(), 1u);
+    EXPECT_EQ(platform->calls->calls().front().uuid, "shared");
+    ASSERT_EQ(other->calls->calls().size(), 1u);
+    EXPECT_EQ(other->calls->calls().front().uuid, "own");
+    ZRMHostSignals::shared()->calls.update({.uuid = "shared", .hasEnded = true});
 }

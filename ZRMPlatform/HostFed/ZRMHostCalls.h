@@ -1,0 +1,32 @@
+// The calls that the host has told of.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "ZRMPlatform/HostFed/ZRMHostObservers.h"
+#include "ZRMPlatform/Ports/ZRMCalls.h"
+
+// May be used from any thread.
+class ZRMHostCalls {
+  public:
+    // So many calls may be under way: a host that begins calls and never ends them stops here.
+    static constexpr std::size_t kMostCalls = 1000;
+
+    // A new call, or a new state of the one with the same UUID; one that has ended leaves the list.
+    // Observers hear of every update, in the order in which the list changed. False, and nothing
+    // happens, where the call would be one too many.
+    bool update(const ZRMCall& call);
+    [[nodiscard]] std::vector<ZRMCall> calls() const;
+    [[nodiscard]] std::shared_ptr<ZRMSubscription> observe(std::shared_ptr<ZRMQueue> queue,
+                                                           ZRMCalls::Callback callback);
+
+  private:
+    bool apply(const ZRMCall& call);
+
+    mutable std::mutex mutex_;
+    std::vector<ZRMCall> calls_;
+    ZRMHostObservers<ZRMCall> observers_;
+};

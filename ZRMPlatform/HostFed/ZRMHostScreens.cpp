@@ -1,0 +1,73 @@
+#include "ZRMPlatform/HostFed/ZRMHostScreens.h"
+
+#include <utility>
+
+void ZRMHostScreens::setCaptured(bool isCaptured) {
+    set(captured_, isCaptured);
+}
+
+void ZRMHostScreens::setMirrored(bool hasMirroredScreen) {
+    set(mirrored_, hasMirroredScreen);
+}
+
+void ZRMHostScreens::set(std::optional<bool>& word, bool value) {
+    {
+        const std::lock_guard lock(mutex_);
+        if (std::exchange(word, value) == value) {
+            return;
+        }
+    }
+    notifications_.post(ZRMApplicationNotification::ScreenCapturedDidChange);
+}
+
+bool ZRMHostScreens::connect(const ZRMScreen& external) {
+    {
+        const std::lock_guard lock(mutex_);
+        if (external_.size() >= kMostExternalScreens) {
+            return false;
+        }
+        external_.push_back(external);
+    }
+    notifications_.post(ZRMApplicationNotification::ScreenDidConnect);
+    return true;
+}
+
+// There is no notification of a screen that goes; that nothing is shown on it any more is a change
+// of what is captured.
+void ZRMHostScreens::disconnect() {
+    {
+        const std::lock_guard lock(mutex_);
+        if (std::exchange(external_, {}).empty()) {
+            return;
+        }
+    }
+    notifications_.post(ZRMApplicationNotification::ScreenCapturedDidChange);
+}
+
+void ZRMHostScreens::forget() {
+    {
+        const std::lock_guard lock(mutex_);
+        if (!captured_ && !mirrored_ && external_.empty()) {
+            return;
+        }
+        captured_.reset();
+        mirrored_.reset();
+        external_.clear();
+    }
+    notifications_.post(ZRMApplicationNotification::ScreenCapturedDidChange);
+}
+
+std::vector<ZRMScreen> ZRMHostScreens::joinedTo(std::vector<ZRMScreen> screens) const {
+    const std::lock_guard lock(mutex_);
+    if (screens.empty() && (captured_ || mirrored_)) {
+        screens.emplace_back();
+    }
+    if (captured_) {
+        screens.front().isCaptured = captured_;
+    }
+    if (mirrored_) {
+        screens.front().hasMirroredScreen = *mirrored_;
+    }
+    screens.insert(screens.end(), external_.begin(), external_.end());
+    return screens;
+}

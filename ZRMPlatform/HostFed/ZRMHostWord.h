@@ -1,0 +1,28 @@
+// One value that the host may tell.
+#pragma once
+
+#include <mutex>
+#include <optional>
+#include <utility>
+
+// May be used from any thread.
+template <class Value>
+class ZRMHostWord {
+  public:
+    void tell(Value value) { exchange(std::move(value)); }
+    void forget() { exchange(std::nullopt); }
+    // The last one told; absent before that and when it was taken back.
+    [[nodiscard]] std::optional<Value> word() const {
+        const std::lock_guard lock(mutex_);
+        return value_;
+    }
+
+  private:
+    void exchange(std::optional<Value> value) {
+        const std::lock_guard lock(mutex_);
+        value_.swap(value);
+    }
+
+    mutable std::mutex mutex_;
+    std::optional<Value> value_;
+};
