@@ -28,7 +28,7 @@ using ZRMStatisticsServiceMaker = std::function<std::shared_ptr<ZRMStatisticsSer
 // its detectors hold of it is weak: once it is gone, their work does nothing.
 class ZRMCloudKitImpl final : public ZRMCloudKit,
                               public ZRMStatisticsCustomHeadersProvider,
-                              public ZRMCallObservingDelegate,
+                              public ZRMCallObserverDelegate,
                               public std::enable_shared_from_this<ZRMCloudKitImpl> {
   public:
     // Loads its settings from the directory "ZRMCloudKit" below the configuration's data directory,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Policies/ZRMCallInfoEventPolicy.h"
@@ -10,9 +11,9 @@
 class ZRMCallObserving;
 
 // Told on the observer's own queue.
-class ZRMCallObservingDelegate {
+class ZRMCallObserverDelegate {
   public:
-    virtual ~ZRMCallObservingDelegate() = default;
+    virtual ~ZRMCallObserverDelegate() = default;
     // A connected call was first seen, or is another than before.
     virtual void connectedCallChanged(const ZRMCallObserving& observer, const ZRMCall& call) = 0;
     // A connected call had not ended when it was looked at again.
@@ -25,8 +26,9 @@ class ZRMCallObserving {
   public:
     virtual ~ZRMCallObserving() = default;
     // Kept weakly.
-    virtual void setDelegate(std::weak_ptr<ZRMCallObservingDelegate> delegate) = 0;
-    virtual void setEventPolicy(const ZRMCallInfoEventPolicy& policy) = 0;
+    virtual void setDelegate(std::weak_ptr<ZRMCallObserverDelegate> delegate) = 0;
+    // None means the default policy.
+    virtual void setEventPolicy(std::optional<ZRMCallInfoEventPolicy> policy) = 0;
     // Starting again changes nothing.
     virtual void start() = 0;
     // The current calls; none before start().

@@ -60,11 +60,11 @@ class ZRMFakeScreenshotDetector final : public ZRMScreenshotDetecting {
 // Notes the order of what is asked of it.
 class ZRMFakeCallObserver final : public ZRMCallObserving {
   public:
-    void setDelegate(std::weak_ptr<ZRMCallObservingDelegate> theDelegate) override {
+    void setDelegate(std::weak_ptr<ZRMCallObserverDelegate> theDelegate) override {
         steps.emplace_back("setDelegate");
         delegate = std::move(theDelegate);
     }
-    void setEventPolicy(const ZRMCallInfoEventPolicy& thePolicy) override {
+    void setEventPolicy(std::optional<ZRMCallInfoEventPolicy> thePolicy) override {
         steps.emplace_back("setEventPolicy");
         policy = thePolicy;
     }
@@ -72,7 +72,7 @@ class ZRMFakeCallObserver final : public ZRMCallObserving {
     [[nodiscard]] std::vector<ZRMCall> calls() const override { return current; }
 
     std::vector<std::string> steps;
-    std::weak_ptr<ZRMCallObservingDelegate> delegate;
+    std::weak_ptr<ZRMCallObserverDelegate> delegate;
     std::optional<ZRMCallInfoEventPolicy> policy;
     std::vector<ZRMCall> current;
 };
