@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -68,6 +69,9 @@ class ZRMContractBody {
 struct ZRMContractBodyKind {
     std::string name;
     std::unique_ptr<ZRMContractBody> (*make)();
+
+    // The name a test has in a list of tests.
+    friend void PrintTo(const ZRMContractBodyKind& kind, std::ostream* out) { *out << kind.name; }
 };
 
 std::unique_ptr<ZRMContractBody> zrm_makeSimulatedContractBody();

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include "ZRMPlatform/Contract_Tests/ZRMContractBody.h"
+#include "ZRMPlatform/Linux/ZRMLinuxSystemText.h"
 
 namespace {
 
@@ -21,6 +22,9 @@ TEST_P(ZRMDeviceContract, EveryPortIsPresent) {
     EXPECT_TRUE(body.reachabilityTargets && body.device && body.linkLayer && body.locale);
     EXPECT_TRUE(body.locationAuthorization && body.processEnvironment && body.consoleLog);
     EXPECT_TRUE(body.loader && body.fileAccess && body.urlOpener && body.commandProcessor);
+    EXPECT_TRUE(body.screens && body.networkInterfaces && body.wifi);
+    EXPECT_TRUE(body.processInformation && body.power && body.carriers && body.volumes);
+    EXPECT_TRUE(body.kernelValues);
     EXPECT_TRUE(body.random && body.instances);
     EXPECT_TRUE(body.calls && body.notifications && body.locationServices);
     EXPECT_TRUE(body.localAuthentication);
@@ -30,6 +34,22 @@ TEST_P(ZRMDeviceContract, TheSystemHasANameAndAVersion) {
     EXPECT_FALSE(platform()->device->systemName().empty());
     const auto version = platform()->device->systemVersion();
     EXPECT_TRUE(!version || !version->empty());
+}
+
+TEST_P(ZRMDeviceContract, WhatTheDeviceIsCalledIsText) {
+    const auto& device = *platform()->device;
+    for (const auto& text : {device.name(), device.localizedModel()}) {
+        EXPECT_TRUE(!text || (!text->empty() && zrm_wellFormedText(*text) == *text));
+    }
+    EXPECT_FALSE(device.hardwareIdentifier().empty());
+}
+
+TEST_P(ZRMDeviceContract, TheIdentifierForTheVendorIsAUuidThatOutlivesTheProcess) {
+    const auto identifier = platform()->device->identifierForVendor();
+    EXPECT_THAT(identifier.value_or("00000000-0000-0000-0000-000000000000"),
+                testing::MatchesRegex("[0-9A-F]{8}-([0-9A-F]{4}-){3}[0-9A-F]{12}"));
+    body_->restart();
+    EXPECT_EQ(platform()->device->identifierForVendor(), identifier);
 }
 
 TEST_P(ZRMDeviceContract, AnInterfaceThatIsNotThereHasTheIndexZero) {
@@ -64,6 +84,17 @@ TEST_P(ZRMDeviceContract, TheTimeZoneAndTheLocaleAreKnown) {
     EXPECT_FALSE(platform()->locale->timeZoneIdentifier().empty());
     EXPECT_FALSE(platform()->locale->localeIdentifier().empty());
     EXPECT_EQ(platform()->locale->localeIdentifier().find('-'), std::string::npos);
+}
+
+TEST_P(ZRMDeviceContract, TheSystemsLocaleHasTheSameForm) {
+    EXPECT_FALSE(platform()->locale->systemLocaleIdentifier().empty());
+    EXPECT_EQ(platform()->locale->systemLocaleIdentifier().find('-'), std::string::npos);
+}
+
+TEST_P(ZRMDeviceContract, PreferredLanguagesAreTagsEachNamedOnce) {
+    const auto tags = platform()->locale->preferredLanguages();
+    EXPECT_THAT(tags, testing::Each(testing::MatchesRegex("[a-z]{2,3}(-[A-Za-z0-9]+)*")));
+    EXPECT_EQ(std::set<std::string>(tags.begin(), tags.end()).size(), tags.size());
 }
 
 TEST_P(ZRMDeviceContract, TheLocationAuthorizationIsOneOfTheFive) {

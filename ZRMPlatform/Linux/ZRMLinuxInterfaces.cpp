@@ -61,6 +61,27 @@ std::optional<ZRMLinuxInterface> ZRMLinuxInterfaces::withIndex(std::uint32_t ind
     return found == interfaces.end() ? std::nullopt : std::optional(*found);
 }
 
+std::optional<ZRMLinuxInterface> ZRMLinuxInterfaces::withLibraryName(
+    const std::string& name) const {
+    const auto interfaces = all();
+    const auto first = [&interfaces](const auto& predicate) {
+        const auto found = std::ranges::find_if(interfaces, predicate);
+        return found == interfaces.end() ? std::nullopt : std::optional(*found);
+    };
+    if (name == "en0") {
+        auto device = first([](const auto& each) {
+            return each.isPhysical && !each.isCellular && !each.isLoopback;
+        });
+        return device
+                   ? device
+                   : first([](const auto& each) { return !each.isCellular && !each.isLoopback; });
+    }
+    if (name == "pdp_ip0") {
+        return first([](const auto& each) { return each.isCellular; });
+    }
+    return first([&name](const auto& each) { return each.name == name; });
+}
+
 std::optional<ZRMLinuxInterface> ZRMLinuxInterfaces::read(const std::string& name) const {
     const auto base = directory_ + "/" + name + "/";
     const auto textOf = [&](const char* file) {
@@ -75,8 +96,10 @@ std::optional<ZRMLinuxInterface> ZRMLinuxInterfaces::read(const std::string& nam
     found.index = *index;
     found.isLoopback = numberIn(textOf("type")) == ARPHRD_LOOPBACK;
     found.isPhysical = std::filesystem::exists(std::filesystem::status(base + "device"));
+    const auto event = textOf("uevent");
     found.isCellular =
-        name.starts_with("wwan") || textOf("uevent").find("DEVTYPE=wwan\n") != std::string::npos;
+        name.starts_with("wwan") || event.find("DEVTYPE=wwan\n") != std::string::npos;
+    found.isWireless = event.find("DEVTYPE=wlan\n") != std::string::npos;
     found.hardwareAddress = addressIn(textOf("address"));
     return found;
 }

@@ -12,6 +12,7 @@ struct ZRMLinuxInterface {
     bool isLoopback = false;
     bool isPhysical = false;                    // backed by a device
     bool isCellular = false;                    // a modem's
+    bool isWireless = false;                    // a wireless network's
     std::vector<std::uint8_t> hardwareAddress;  // empty where the link has none
 };
 
@@ -23,6 +24,10 @@ class ZRMLinuxInterfaces {
     // By index.
     [[nodiscard]] std::vector<ZRMLinuxInterface> all() const;
     [[nodiscard]] std::optional<ZRMLinuxInterface> withIndex(std::uint32_t index) const;
+    // By the library's name: "en0" is the first interface that a device stands behind and that is
+    // no modem's, or else the first that is neither loopback nor a modem's; "pdp_ip0" is the first
+    // modem's; any other name is the system's own.
+    [[nodiscard]] std::optional<ZRMLinuxInterface> withLibraryName(const std::string& name) const;
 
   private:
     [[nodiscard]] std::optional<ZRMLinuxInterface> read(const std::string& name) const;

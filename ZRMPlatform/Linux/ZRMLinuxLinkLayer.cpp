@@ -16,23 +16,8 @@ ZRMLinuxLinkLayer::ZRMLinuxLinkLayer(ZRMLinuxInterfaces interfaces)
     : interfaces_(std::move(interfaces)) {}
 
 std::uint32_t ZRMLinuxLinkLayer::interfaceIndex(const std::string& name) const {
-    const auto all = interfaces_.all();
-    const auto indexOfFirst = [&all](const auto& predicate) {
-        const auto found = std::ranges::find_if(all, predicate);
-        return found == all.end() ? 0 : found->index;
-    };
-    if (name == "en0") {
-        const auto device = indexOfFirst([](const auto& each) {
-            return each.isPhysical && !each.isCellular && !each.isLoopback;
-        });
-        return device != 0 ? device : indexOfFirst([](const auto& each) {
-            return !each.isCellular && !each.isLoopback;
-        });
-    }
-    if (name == "pdp_ip0") {
-        return indexOfFirst([](const auto& each) { return each.isCellular; });
-    }
-    return indexOfFirst([&name](const auto& each) { return each.name == name; });
+    const auto interface = interfaces_.withLibraryName(name);
+    return interface ? interface->index : 0;
 }
 
 std::optional<std::size_t> ZRMLinuxLinkLayer::recordLength(std::uint32_t index) const {

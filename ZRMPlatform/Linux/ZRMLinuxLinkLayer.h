@@ -4,9 +4,7 @@
 #include "ZRMPlatform/Linux/ZRMLinuxInterfaces.h"
 #include "ZRMPlatform/Ports/ZRMDevice.h"
 
-// "en0" is the first interface that a device stands behind and that is no modem's, or else the
-// first that is neither loopback nor a modem's; "pdp_ip0" is the first modem's; any other name is
-// the system's own.
+// Names are those of ZRMLinuxInterfaces::withLibraryName().
 class ZRMLinuxLinkLayer : public ZRMLinkLayer {
   public:
     explicit ZRMLinuxLinkLayer(ZRMLinuxInterfaces interfaces);

@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <initializer_list>
 #include <string_view>
 
+#include "ZRMPlatform/Linux/ZRMLinuxLanguageTag.h"
 #include "ZRMPlatform/Linux/ZRMLinuxPosix.h"
+#include "ZRMPlatform/Linux/ZRMLinuxSystemText.h"
 
 namespace {
 
@@ -35,10 +38,28 @@ std::optional<std::string> zoneNameIn(std::string_view text) {
     return isZoneName(text) ? std::optional<std::string>(text) : std::nullopt;
 }
 
+bool isNameCharacter(char each) {
+    return (each >= 'A' && each <= 'Z') || (each >= 'a' && each <= 'z') ||
+           (each >= '0' && each <= '9') || each == '_';
+}
+
 // "de_AT.UTF-8@euro" without encoding and modifier.
 std::string plainLocale(std::string_view text) {
     const std::string plain(text.substr(0, text.find_first_of(".@")));
-    return plain.empty() || plain == "C" || plain == "POSIX" ? "en_US_POSIX" : plain;
+    const bool isNeutral = plain.empty() || plain == "C" || plain == "POSIX";
+    return isNeutral || !std::ranges::all_of(plain, &isNameCharacter) ? "en_US_POSIX" : plain;
+}
+
+// The first of the variables that is set and not empty; empty when none is.
+std::string firstVariable(const ZRMProcessEnvironment& environment,
+                          std::initializer_list<const char*> names) {
+    for (const char* const name : names) {
+        auto value = environment.variable(name);
+        if (value && !value->empty()) {
+            return std::move(*value);
+        }
+    }
+    return "";
 }
 
 }  // namespace
@@ -64,19 +85,32 @@ std::string ZRMLinuxLocaleSource::timeZoneIdentifier() const {
 }
 
 std::string ZRMLinuxLocaleSource::localeIdentifier() const {
-    for (const char* name : {"LC_ALL", "LC_TIME", "LANG"}) {
-        const auto value = environment_->variable(name);
-        if (value && !value->empty()) {
-            return plainLocale(*value);
+    return plainLocale(firstVariable(*environment_, {"LC_ALL", "LC_TIME", "LANG"}));
+}
+
+std::string ZRMLinuxLocaleSource::systemLocaleIdentifier() const {
+    for (const char* const file : {"/locale.conf", "/default/locale"}) {
+        if (const auto locale = zrm_assignedName(systemDirectory_ + file, "LANG")) {
+            return plainLocale(*locale);
         }
     }
     return plainLocale("");
 }
 
-std::string ZRMLinuxLocaleSource::systemLocaleIdentifier() const {
-    return plainLocale("");
-}
-
 std::vector<std::string> ZRMLinuxLocaleSource::preferredLanguages() const {
-    return {};
+    std::vector<std::string> tags;
+    const auto add = [&tags](std::string_view locale) {
+        auto tag = zrm_languageTag(locale);
+        if (tag && std::ranges::find(tags, *tag) == tags.end()) {
+            tags.push_back(std::move(*tag));
+        }
+    };
+    const auto list = firstVariable(*environment_, {"LANGUAGE"});
+    for (std::string_view rest = list; !rest.empty();) {
+        const auto end = std::min(rest.find(':'), rest.size());
+        add(rest.substr(0, end));
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    add(firstVariable(*environment_, {"LC_ALL", "LC_MESSAGES", "LANG"}));
+    return tags;
 }

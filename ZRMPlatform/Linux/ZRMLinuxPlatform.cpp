@@ -1,6 +1,9 @@
 #include "ZRMPlatform/Linux/ZRMLinuxPlatform.h"
 
+#include <algorithm>
+
 #include "ZRMPlatform/HostFed/ZRMHostFedPorts.h"
+#include "ZRMPlatform/Linux/ZRMLinuxCarriers.h"
 #include "ZRMPlatform/Linux/ZRMLinuxClock.h"
 #include "ZRMPlatform/Linux/ZRMLinuxConsoleLog.h"
 #include "ZRMPlatform/Linux/ZRMLinuxDevice.h"
@@ -9,21 +12,28 @@
 #include "ZRMPlatform/Linux/ZRMLinuxExecutor.h"
 #include "ZRMPlatform/Linux/ZRMLinuxFileManager.h"
 #include "ZRMPlatform/Linux/ZRMLinuxJailbreakTraits.h"
+#include "ZRMPlatform/Linux/ZRMLinuxKernelValues.h"
 #include "ZRMPlatform/Linux/ZRMLinuxKeychainFile.h"
 #include "ZRMPlatform/Linux/ZRMLinuxKeychainItems.h"
 #include "ZRMPlatform/Linux/ZRMLinuxKeyedArchiver.h"
 #include "ZRMPlatform/Linux/ZRMLinuxLinkLayer.h"
 #include "ZRMPlatform/Linux/ZRMLinuxLocaleSource.h"
 #include "ZRMPlatform/Linux/ZRMLinuxMainBundle.h"
+#include "ZRMPlatform/Linux/ZRMLinuxNetworkInterfaces.h"
+#include "ZRMPlatform/Linux/ZRMLinuxPower.h"
 #include "ZRMPlatform/Linux/ZRMLinuxProcessEnvironment.h"
+#include "ZRMPlatform/Linux/ZRMLinuxProcessInformation.h"
 #include "ZRMPlatform/Linux/ZRMLinuxRandom.h"
 #include "ZRMPlatform/Linux/ZRMLinuxReachability.h"
 #include "ZRMPlatform/Linux/ZRMLinuxResourceBundles.h"
 #include "ZRMPlatform/Linux/ZRMLinuxRsaKeys.h"
+#include "ZRMPlatform/Linux/ZRMLinuxScreens.h"
 #include "ZRMPlatform/Linux/ZRMLinuxSecretService.h"
 #include "ZRMPlatform/Linux/ZRMLinuxTrust.h"
 #include "ZRMPlatform/Linux/ZRMLinuxUrlSession.h"
 #include "ZRMPlatform/Linux/ZRMLinuxUserDefaults.h"
+#include "ZRMPlatform/Linux/ZRMLinuxVolumes.h"
+#include "ZRMPlatform/Linux/ZRMLinuxWifi.h"
 
 namespace {
 
@@ -48,6 +58,8 @@ void addNetwork(ZRMPlatform& platform, const ZRMLinuxPlatformOptions& options) {
     platform.reachabilityTargets = std::make_shared<ZRMLinuxReachabilityTargets>(
         routes, ZRMLinuxKernelRouteChanges::shared(), ZRMLinuxInterfaces(), overrides);
     platform.linkLayer = std::make_shared<ZRMLinuxLinkLayer>(ZRMLinuxInterfaces());
+    platform.networkInterfaces = std::make_shared<ZRMLinuxNetworkInterfaces>(ZRMLinuxInterfaces());
+    platform.wifi = std::make_shared<ZRMLinuxWifi>(ZRMLinuxInterfaces());
 }
 
 void addStores(ZRMPlatform& platform, const ZRMLinuxPlatformOptions& options) {
@@ -65,6 +77,24 @@ void addStores(ZRMPlatform& platform, const ZRMLinuxPlatformOptions& options) {
         std::make_shared<ZRMLinuxResourceBundles>(options.resourcesDirectory);
 }
 
+// Applications whose bundle identifiers differ in the last component alone are of one maker.
+std::string makerOf(const ZRMMainBundle& bundle) {
+    const auto identifier = bundle.identifier().value_or("");
+    return identifier.substr(0, std::min(identifier.rfind('.'), identifier.size()));
+}
+
+void addMachine(ZRMPlatform& platform) {
+    platform.device = std::make_shared<ZRMLinuxDevice>(makerOf(*platform.mainBundle));
+    platform.locale = std::make_shared<ZRMLinuxLocaleSource>(platform.processEnvironment);
+    platform.screens = std::make_shared<ZRMLinuxScreens>();
+    platform.processInformation = std::make_shared<ZRMLinuxProcessInformation>();
+    platform.power = std::make_shared<ZRMLinuxPower>();
+    platform.carriers = std::make_shared<ZRMLinuxCarriers>();
+    platform.volumes = std::make_shared<ZRMLinuxVolumes>();
+    platform.kernelValues =
+        std::make_shared<ZRMLinuxKernelValues>(platform.device, platform.processInformation);
+}
+
 }  // namespace
 
 std::shared_ptr<const ZRMPlatform> zrm_makeLinuxPlatform(const ZRMLinuxPlatformOptions& options) {
@@ -76,14 +106,13 @@ std::shared_ptr<const ZRMPlatform> zrm_makeLinuxPlatform(const ZRMLinuxPlatformO
     platform->random = std::make_shared<ZRMLinuxRandom>();
     platform->digests = std::make_shared<ZRMLinuxDigests>();
     platform->rsaKeys = std::make_shared<ZRMLinuxRsaKeys>();
-    platform->device = std::make_shared<ZRMLinuxDevice>();
-    platform->locale = std::make_shared<ZRMLinuxLocaleSource>(platform->processEnvironment);
     platform->loader = zrm_processLoader();
     platform->fileAccess = std::make_shared<ZRMLinuxFileAccess>();
     platform->urlOpener = std::make_shared<ZRMLinuxUrlOpener>();
     platform->commandProcessor = std::make_shared<ZRMLinuxCommandProcessor>();
     addStores(*platform, options);
     addNetwork(*platform, options);
+    addMachine(*platform);
     zrm_joinHostFedPorts(*platform,
                          options.hostSignals ? options.hostSignals : ZRMHostSignals::shared());
     return platform;

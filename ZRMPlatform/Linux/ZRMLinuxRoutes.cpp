@@ -6,18 +6,12 @@
 #include <functional>
 #include <limits>
 
-#include <linux/netlink.h>
 #include <linux/rtnetlink.h>
-#include <poll.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
-#include "ZRMPlatform/Linux/ZRMLinuxPosix.h"
+#include "ZRMPlatform/Linux/ZRMLinuxNetlink.h"
 
 namespace {
-
-// The kernel answers within the request; this only bounds what must not happen.
-constexpr int kAnswerMilliseconds = 500;
 
 // A request for routes with room for one address attribute.
 struct RouteRequest {
@@ -79,62 +73,15 @@ bool leadsSomewhere(const Route& route) {
            route.interfaceIndex != 0;
 }
 
-enum class Reading { Goes_On, Done, Refused, Failed };
-
-// One exchange with the kernel: hands every route of the answer to `visit`.
-class RouteExchange {
-  public:
-    // Refused is the kernel's own "no"; `refusal` then holds its error number.
-    Reading run(RouteRequest& request, const std::function<void(const Route&)>& visit) {
-        const ZRMLinuxDescriptor socket(
-            ::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, NETLINK_ROUTE));
-        if (!socket.isOpen() ||
-            ::send(socket.number(), &request, request.header.nlmsg_len, 0) < 0) {
-            return Reading::Failed;
+// Hands every route of the answer to `visit`.
+ZRMLinuxNetlinkEnd askForRoutes(ZRMLinuxNetlinkExchange& exchange, const RouteRequest& request,
+                                const std::function<void(const Route&)>& visit) {
+    return exchange.run(NETLINK_ROUTE, request.header, [&visit](const nlmsghdr& message) {
+        if (message.nlmsg_type == RTM_NEWROUTE) {
+            visit(routeOf(&message));
         }
-        const bool isDump = (request.header.nlmsg_flags & NLM_F_DUMP) == NLM_F_DUMP;
-        auto reading = Reading::Goes_On;
-        while (reading == Reading::Goes_On) {
-            reading = readOnce(socket.number(), isDump, visit);
-        }
-        return reading;
-    }
-
-    [[nodiscard]] int refusal() const { return refusal_; }
-
-  private:
-    Reading readOnce(int socket, bool isDump, const std::function<void(const Route&)>& visit) {
-        pollfd waiting{socket, POLLIN, 0};
-        if (::poll(&waiting, 1, kAnswerMilliseconds) <= 0) {
-            return Reading::Failed;
-        }
-        const auto count = ::recv(socket, buffer_.data(), buffer_.size(), 0);
-        if (count < 0) {
-            return errno == EINTR || errno == EAGAIN ? Reading::Goes_On : Reading::Failed;
-        }
-        auto length = static_cast<unsigned>(count);
-        for (const auto* message = reinterpret_cast<const nlmsghdr*>(buffer_.data());
-             NLMSG_OK(message, length); message = NLMSG_NEXT(message, length)) {
-            if (message->nlmsg_type == NLMSG_DONE) {
-                return Reading::Done;
-            }
-            if (message->nlmsg_type == NLMSG_ERROR) {
-                refusal_ = -static_cast<const nlmsgerr*>(NLMSG_DATA(message))->error;
-                return Reading::Refused;
-            }
-            if (message->nlmsg_type == RTM_NEWROUTE) {
-                visit(routeOf(message));
-                if (!isDump) {
-                    return Reading::Done;
-                }
-            }
-        }
-        return Reading::Goes_On;
-    }
-
-    alignas(nlmsghdr) std::array<char, 32768> buffer_{};
-    int refusal_ = 0;
-};
+    });
+}
 
 RouteRequest requestFor(unsigned char family, unsigned short flags) {
     RouteRequest request;
@@ -146,17 +93,18 @@ RouteRequest requestFor(unsigned char family, unsigned short flags) {
 }
 
 std::optional<std::uint32_t> defaultInterface(unsigned char family) {
-    auto request = requestFor(family, NLM_F_DUMP);
+    const auto request = requestFor(family, NLM_F_DUMP);
     std::uint32_t best = 0;
     std::uint64_t bestPriority = std::numeric_limits<std::uint64_t>::max();
-    const auto reading = RouteExchange().run(request, [&](const Route& route) {
+    ZRMLinuxNetlinkExchange exchange;
+    const auto end = askForRoutes(exchange, request, [&](const Route& route) {
         if (route.fixed.rtm_dst_len == 0 && route.fixed.rtm_family == family &&
             leadsSomewhere(route) && route.priority < bestPriority) {
             best = route.interfaceIndex;
             bestPriority = route.priority;
         }
     });
-    return reading == Reading::Done ? std::optional(best) : std::nullopt;
+    return end == ZRMLinuxNetlinkEnd::Answered ? std::optional(best) : std::nullopt;
 }
 
 }  // namespace
@@ -171,17 +119,17 @@ std::optional<std::uint32_t> ZRMLinuxKernelRoutes::interfaceToward(
     std::memcpy(request.address.data(), bytes.data(), bytes.size());
     request.header.nlmsg_len += request.attribute.rta_len;
     std::uint32_t found = 0;
-    RouteExchange exchange;
-    const auto reading = exchange.run(request, [&found](const Route& route) {
+    ZRMLinuxNetlinkExchange exchange;
+    const auto end = askForRoutes(exchange, request, [&found](const Route& route) {
         found = leadsSomewhere(route) ? route.interfaceIndex : 0;
     });
-    if (reading == Reading::Refused) {
+    if (end == ZRMLinuxNetlinkEnd::Refused) {
         const int refusal = exchange.refusal();
         const bool isNoRoute =
             refusal == ENETUNREACH || refusal == EHOSTUNREACH || refusal == EACCES;
         return isNoRoute ? std::optional<std::uint32_t>(0) : std::nullopt;
     }
-    return reading == Reading::Done ? std::optional(found) : std::nullopt;
+    return end == ZRMLinuxNetlinkEnd::Answered ? std::optional(found) : std::nullopt;
 }
 
 std::optional<std::uint32_t> ZRMLinuxKernelRoutes::interfaceOfDefaultRoute() const {

@@ -99,6 +99,15 @@ TEST_F(ZRMLinuxLinkLayerTest, EntriesWithoutAnIndexAreLeftOut) {
     EXPECT_EQ(ZRMLinuxInterfaces(directory_.path()).all().size(), 1U);
 }
 
+TEST_F(ZRMLinuxLinkLayerTest, AWirelessInterfaceIsKnownByItsKind) {
+    add("eth0", 3, true);
+    add("wlp3s0", 4, true, "02:00:00:00:00:02", "DEVTYPE=wlan\nIFINDEX=4\n");
+    const ZRMLinuxInterfaces interfaces(directory_.path());
+    EXPECT_FALSE(interfaces.withIndex(3)->isWireless);
+    EXPECT_TRUE(interfaces.withIndex(4)->isWireless);
+    EXPECT_FALSE(interfaces.withIndex(4)->isCellular);
+}
+
 TEST(ZRMLinuxInterfaces, TheMachinesOwnListHoldsItsLoopback) {
     const auto loopback = ZRMLinuxInterfaces().withIndex(if_nametoindex("lo"));
     ASSERT_TRUE(loopback.has_value());

@@ -18,6 +18,20 @@ std::string locale(std::map<std::string, std::string> variables) {
     return ZRMLinuxLocaleSource(environment).localeIdentifier();
 }
 
+std::string systemLocale(const ZRMTestDirectory& etc) {
+    // The environment is the process's, not the system's.
+    const auto environment =
+        std::make_shared<ZRMStubEnvironment>(std::map<std::string, std::string>{{"LANG", "it_IT"}});
+    return ZRMLinuxLocaleSource(environment, etc.path()).systemLocaleIdentifier();
+}
+
+std::vector<std::string> languages(std::map<std::string, std::string> variables) {
+    const auto environment = std::make_shared<ZRMStubEnvironment>(std::move(variables));
+    return ZRMLinuxLocaleSource(environment).preferredLanguages();
+}
+
+using Tags = std::vector<std::string>;
+
 }  // namespace
 
 TEST(ZRMLinuxLocaleSource, TheZoneOfTheEnvironmentComesFirst) {
@@ -57,8 +71,44 @@ TEST(ZRMLinuxLocaleSource, TheFirstVariableThatIsSetNamesTheLocale) {
 }
 
 TEST(ZRMLinuxLocaleSource, TheNeutralLocaleIsEnUsPosix) {
-    for (const char* name : {"C", "POSIX", "C.UTF-8", ".UTF-8"}) {
+    for (const char* name : {"C", "POSIX", "C.UTF-8", ".UTF-8", "de AT", "d\xE4_AT", "../de"}) {
         EXPECT_EQ(locale({{"LANG", name}}), "en_US_POSIX") << name;
     }
     EXPECT_EQ(locale({}), "en_US_POSIX");
+}
+
+TEST(ZRMLinuxLocaleSource, TheSystemsLocaleIsThatOfItsFiles) {
+    const ZRMTestDirectory etc;
+    EXPECT_EQ(systemLocale(etc), "en_US_POSIX");
+    etc.writeFile("default/locale", "# set by the installer\nLANG=\"fr_FR.UTF-8\"\n");
+    EXPECT_EQ(systemLocale(etc), "fr_FR");
+    etc.writeFile("locale.conf", "LC_TIME=sv_SE.UTF-8\nLANG=de_AT.UTF-8\n");
+    EXPECT_EQ(systemLocale(etc), "de_AT");
+    etc.writeFile("locale.conf", "LANG=\n");
+    EXPECT_EQ(systemLocale(etc), "fr_FR");
+    for (const char* const neutral : {"LANG=C.UTF-8\n", "LANG=d\xE4_AT\n", "LANG='de AT'\n"}) {
+        etc.writeFile("locale.conf", neutral);
+        EXPECT_EQ(systemLocale(etc), "en_US_POSIX") << neutral;
+    }
+    etc.writeFile("locale.conf", "LANG=" + std::string(100'000, 'x'));
+    EXPECT_EQ(systemLocale(etc), "fr_FR");
+}
+
+TEST(ZRMLinuxLocaleSource, LanguagesAreThoseOfTheListThenThatOfTheLocale) {
+    EXPECT_EQ(languages({{"LANGUAGE", "de_AT:de:en_GB"}, {"LANG", "fr_FR.UTF-8"}}),
+              (Tags{"de-AT", "de", "en-GB", "fr-FR"}));
+    EXPECT_EQ(languages({{"LANGUAGE", "de:C::en:de:"}, {"LANG", "de.UTF-8"}}), (Tags{"de", "en"}));
+    EXPECT_EQ(languages({{"LANG", "de_AT.UTF-8"}}), Tags{"de-AT"});
+    EXPECT_EQ(languages({{"LANGUAGE", "\xFF\xFE:../x:sv"}}), Tags{"sv"});
+}
+
+TEST(ZRMLinuxLocaleSource, TheLanguageOfTheLocaleIsThatOfMessages) {
+    EXPECT_EQ(languages({{"LC_TIME", "fr_FR"}, {"LC_MESSAGES", "de_AT"}, {"LANG", "it_IT"}}),
+              Tags{"de-AT"});
+    EXPECT_EQ(languages({{"LC_ALL", "sv_SE"}, {"LC_MESSAGES", "de_AT"}}), Tags{"sv-SE"});
+}
+
+TEST(ZRMLinuxLocaleSource, WhereNobodyChoseALanguageThereIsNone) {
+    EXPECT_EQ(languages({}), Tags{});
+    EXPECT_EQ(languages({{"LANGUAGE", ""}, {"LANG", "C.UTF-8"}}), Tags{});
 }

@@ -39,6 +39,14 @@ TEST(ZRMLinuxPlatform, EveryPortIsPresent) {
     EXPECT_TRUE(platform->calls);
     EXPECT_TRUE(platform->notifications);
     EXPECT_TRUE(platform->localAuthentication);
+    EXPECT_TRUE(platform->screens);
+    EXPECT_TRUE(platform->networkInterfaces);
+    EXPECT_TRUE(platform->wifi);
+    EXPECT_TRUE(platform->processInformation);
+    EXPECT_TRUE(platform->power);
+    EXPECT_TRUE(platform->carriers);
+    EXPECT_TRUE(platform->volumes);
+    EXPECT_TRUE(platform->kernelValues);
     EXPECT_TRUE(platform->processEnvironment);
     EXPECT_TRUE(platform->loader);
     EXPECT_TRUE(platform->fileAccess);
@@ -72,6 +80,24 @@ TEST(ZRMLinuxPlatform, TheDirectoriesOfTheHostAreTaken) {
         {.resourcesDirectory = host.below("res"), .bundleDirectory = host.below("app")});
     EXPECT_EQ(platform->resourceBundles->pathForBundle("My.bundle"), host.below("res/My.bundle"));
     EXPECT_EQ(platform->mainBundle->path(), host.below("app"));
+}
+
+TEST(ZRMLinuxPlatform, ApplicationsOfOneMakerShareTheIdentifierForTheVendor) {
+    const ZRMTestDirectory host;
+    const auto identifierOf = [&host](const std::string& bundle) {
+        host.writeFile("Info.plist",
+                       "<plist version=\"1.0\"><dict><key>CFBundleIdentifier</key><string>" +
+                           bundle + "</string></dict></plist>");
+        return zrm_makeLinuxPlatform({.bundleDirectory = host.path()})
+            ->device->identifierForVendor();
+    };
+    const auto bank = identifierOf("com.example.bank");
+    EXPECT_EQ(identifierOf("com.example.wallet"), bank);
+    if (!bank) {
+        GTEST_SKIP() << "this machine has no identifier";
+    }
+    EXPECT_NE(identifierOf("com.other.bank"), bank);
+    EXPECT_NE(identifierOf("com"), bank);
 }
 
 TEST(ZRMLinuxPlatform, TheHostsMainQueueIsTheMainQueue) {

@@ -3,9 +3,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <sys/utsname.h>
 
-#include "ZRMPlatform/Linux/ZRMLinuxDevice.h"
 #include "ZRMPlatform/Linux/ZRMLinuxPosix.h"
 #include "ZRMPlatform/Linux/ZRMLinuxProcessEnvironment.h"
 #include "ZRMPlatform/Linux/ZRMLinuxRandom.h"
@@ -35,13 +33,6 @@ TEST(ZRMLinuxProcessEnvironment, AnEmptyVariableIsThereAndAMissingOneIsNot) {
     EXPECT_EQ(environment.variable("ZRM_TEST_VARIABLE"), "a value");
     unsetenv("ZRM_TEST_VARIABLE");
     EXPECT_EQ(environment.variable("ZRM_TEST_VARIABLE"), std::nullopt);
-}
-
-TEST(ZRMLinuxDevice, TellsTheKernelsNameAndRelease) {
-    utsname names{};
-    ASSERT_EQ(uname(&names), 0);
-    EXPECT_EQ(ZRMLinuxDevice().systemName(), names.sysname);
-    EXPECT_EQ(ZRMLinuxDevice().systemVersion(), names.release);
 }
 
 TEST(ZRMLinuxPosix, ASmallFileIsReadWholeAndAMissingOneIsAbsent) {

@@ -1,3 +1,5 @@
+#include <ostream>
+
 #include <curl/curl.h>
 #include <gtest/gtest.h>
 
@@ -18,6 +20,9 @@ struct NamedCase {
     CURLcode curlCode;
     long systemError;
     ZRMUrlErrorCode expected;
+
+    // The name a test has in a list of tests.
+    friend void PrintTo(const NamedCase& row, std::ostream* out) { *out << row.name; }
 };
 
 class ZRMLinuxUrlErrorsTest : public testing::TestWithParam<NamedCase> {};
