@@ -57,6 +57,11 @@ ZRMLinuxRevocationAnswer zrm_readCrl(std::span<const std::uint8_t> der,
     if (!crl || zrm_hasWeakDigest(X509_CRL_get_signature_nid(crl.get()))) {
         return {};
     }
+    // A list of changes says nothing of what was revoked before, and not every release of OpenSSL
+    // sets one aside.
+    if (X509_CRL_get_ext_by_NID(crl.get(), NID_delta_crl, -1) >= 0) {
+        return {};
+    }
     const auto from = zrm_dateOfAsn1Time(X509_CRL_get0_lastUpdate(crl.get()));
     const auto until = zrm_dateOfAsn1Time(X509_CRL_get0_nextUpdate(crl.get()));
     if (!from || !until) {

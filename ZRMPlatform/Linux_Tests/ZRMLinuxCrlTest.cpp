@@ -88,6 +88,8 @@ TEST_F(ZRMLinuxCrl, UnknownCriticalExtensionsAndListsOfChangesAreNoAnswer) {
     EXPECT_EQ(statusOf(options), Status::Revoked);
     options.extensions = {{"deltaCRL", "critical,DER:020101"}};
     EXPECT_EQ(statusOf(options), Status::NoAnswer);
+    options.revoked.clear();
+    EXPECT_EQ(statusOf(options), Status::NoAnswer);
 }
 
 TEST_F(ZRMLinuxCrl, AListForOtherKindsOfCertificatesIsNoAnswer) {
