@@ -53,7 +53,10 @@ std::string zrm_wellFormedText(std::string_view bytes) {
     while (at < bytes.size()) {
         const auto start = at;
         std::int32_t character = 0;
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wconversion"  // within the macro
         U8_NEXT(bytes, at, bytes.size(), character);
+#pragma GCC diagnostic pop
         text.append(character < 0 ? std::string_view("\xEF\xBF\xBD")
                                   : bytes.substr(start, at - start));
     }
