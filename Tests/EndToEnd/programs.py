@@ -16,6 +16,9 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 TOOLS = pathlib.Path(os.environ["ZRM_TOOLS_DIR"])
 HOST_NAME = "risk.example.com"  # the library refuses hosts without a dot and numeric addresses
 LIMIT_SECONDS = 60
+# Every activation reports the calls under way, unless the settings say otherwise. The tests count
+# what they report themselves, so their hosts find such settings stored.
+WITHOUT_CALLS = {"iosCallInfoEventDisabled": "true"}
 
 
 class Lines:
@@ -160,6 +163,8 @@ def free_port():
 class EndToEndTest(unittest.TestCase):
     """Each test has a place of its own, and leaves no program behind. Keys are made once a suite."""
 
+    starts_without_settings = False
+
     @classmethod
     def setUpClass(cls):
         cls._shared = tempfile.TemporaryDirectory(prefix="zrm-e2e-pki-")
@@ -168,6 +173,31 @@ class EndToEndTest(unittest.TestCase):
                         pathlib.Path(cls._shared.name) / "log")
         maker.lines.next()
         maker.end(signal.SIGTERM)
+        if not cls.starts_without_settings:
+            cls._settings = cls._settings_without_calls(pathlib.Path(cls._shared.name) / "place")
+
+    @classmethod
+    def _settings_without_calls(cls, directory):
+        """Where below its home a host stores a server's settings, and what it stores."""
+        directory.mkdir()
+        place = Place(directory)
+        shutil.copytree(cls._pki, place.pki)
+        place.pin_root()
+        place.settings.write_text(json.dumps(WITHOUT_CALLS))
+        server = Server(place, options=["--settings", place.settings])
+        host = Host(place, server.port, options=steered(server.port))
+        try:
+            host.run_all(["activate"])
+            end = time.monotonic() + LIMIT_SECONDS
+            while "Settings update complete" not in host.log():
+                if time.monotonic() > end:
+                    raise TimeoutError(f"no settings arrived: {host.log()}")
+                host.run("wait 0.02")
+        finally:
+            host.quit()
+            server.stop()
+        (stored,) = place.home.rglob("zrm.settings")
+        return stored.relative_to(place.home), stored.read_bytes()
 
     @classmethod
     def tearDownClass(cls):
@@ -179,6 +209,10 @@ class EndToEndTest(unittest.TestCase):
         self.place = Place(directory.name)
         shutil.copytree(self._pki, self.place.pki)
         self.place.pin_root()
+        if not self.starts_without_settings:
+            path, document = self._settings
+            (self.place.home / path).parent.mkdir(parents=True)
+            (self.place.home / path).write_bytes(document)
 
     def _watch(self, program):
         self.addCleanup(lambda: program.process.poll() is None and program.end(signal.SIGKILL))

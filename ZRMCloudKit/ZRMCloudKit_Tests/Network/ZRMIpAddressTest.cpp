@@ -73,7 +73,7 @@ TEST(ZRMIpAddressTypes, AreToldFromATextByItsColonBeforeItsDot) {
 TEST(ZRMIpAddressTypes, AreToldFromTheLengthOfTheBytes) {
     EXPECT_EQ(ZRMIpAddress::typeOfIpAddressData(ZRMData(4)), ZRMIpAddressType::IPv4);
     EXPECT_EQ(ZRMIpAddress::typeOfIpAddressData(ZRMData(16)), ZRMIpAddressType::IPv6);
-    for (const std::size_t length : {0, 3, 5, 15, 17}) {
+    for (const std::size_t length : {0U, 3U, 5U, 15U, 17U}) {
         EXPECT_EQ(ZRMIpAddress::typeOfIpAddressData(ZRMData(length)), ZRMIpAddressType::Unknown);
     }
 }
