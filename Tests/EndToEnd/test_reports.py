@@ -94,11 +94,21 @@ class Reports(EndToEndTest):
     def test_wrong_commands_are_answered_and_the_host_goes_on(self):
         server = self.start_server()
         host = self.start_host(server.port)
-        for command, code in (("dance", 1), ("login alice", 2), ("login 'alice", 3), ("signal call", 4)):
+        for command, code in (("dance", 1), ("login alice", 2), ("login 'alice", 3), ("signal call", 2)):
             answer = host.run(command)
             self.assertEqual((answer["error"]["domain"], answer["error"]["code"]), ("ZRMHostErrorDomain", code))
         self.assertEqual(host.run("wait 0"), {"op": "wait", "error": None})
         self.assertEqual(host.end(), 0)  # the end of the input is as good as quit
+
+    def test_signals_are_taken_before_and_after_activation(self):
+        server = self.start_server()
+        host = self.start_host(server.port)
+        signals = ["signal call 6F9619FF-8B86-D011-B42D-00C04FC964FF connected", "signal screen-captured on",
+                   "signal foreground", "signal wifi 'Café Central' a4:5e:60:01:02:03"]
+        for command in (*signals, "activate", *signals):
+            self.assertIsNone(host.run(command)["error"], command)
+        self.assertEqual(host.run("signal battery 2 full")["error"]["code"], 2)
+        self.assertEqual(host.end(), 0)
 
     def test_what_this_version_lacks_is_no_success(self):
         server = self.start_server()

@@ -1,6 +1,7 @@
 #include "Tools/zrm-host/ZRMHostArguments.h"
 
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <string>
 
@@ -21,13 +22,23 @@ std::optional<ZRMLoginResult> zrm_loginResultFromText(std::string_view text) {
     return std::nullopt;
 }
 
-std::optional<std::chrono::milliseconds> zrm_secondsFromText(std::string_view text) {
-    double seconds = 0;
+std::optional<double> zrm_numberFromText(std::string_view text) {
+    double number = 0;
     const auto* end = text.data() + text.size();
     const auto [stop, failure] =
-        std::from_chars(text.data(), end, seconds, std::chars_format::fixed);
-    if (failure != std::errc() || stop != end || !(seconds >= 0 && seconds <= kLongestSeconds)) {
+        std::from_chars(text.data(), end, number, std::chars_format::fixed);
+    return failure == std::errc() && stop == end && std::isfinite(number) ? std::optional(number)
+                                                                          : std::nullopt;
+}
+
+std::optional<bool> zrm_switchFromText(std::string_view text) {
+    return text == "on" || text == "off" ? std::optional(text == "on") : std::nullopt;
+}
+
+std::optional<std::chrono::milliseconds> zrm_secondsFromText(std::string_view text) {
+    const auto seconds = zrm_numberFromText(text);
+    if (!seconds || *seconds < 0 || *seconds > kLongestSeconds) {
         return std::nullopt;
     }
-    return std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000));
+    return std::chrono::milliseconds(static_cast<std::int64_t>(*seconds * 1000));
 }

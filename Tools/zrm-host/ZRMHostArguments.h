@@ -12,3 +12,9 @@ std::optional<ZRMLoginResult> zrm_loginResultFromText(std::string_view text);
 
 // A decimal number of seconds, from 0 to a day; absent for anything else.
 std::optional<std::chrono::milliseconds> zrm_secondsFromText(std::string_view text);
+
+// A decimal number, such as "-16.37"; absent for anything else.
+std::optional<double> zrm_numberFromText(std::string_view text);
+
+// "on" or "off"; absent for anything else.
+std::optional<bool> zrm_switchFromText(std::string_view text);

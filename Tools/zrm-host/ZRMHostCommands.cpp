@@ -5,11 +5,11 @@
 #include <chrono>
 #include <functional>
 #include <future>
-#include <limits>
 #include <memory>
 #include <thread>
 
 #include "Tools/zrm-host/ZRMHostArguments.h"
+#include "Tools/zrm-host/ZRMHostSignalCommands.h"
 
 namespace {
 
@@ -17,7 +17,6 @@ using Words = std::vector<std::string>;
 using Handler = ZRMMobileService::CompletionHandler;
 using Clock = std::chrono::steady_clock;
 
-constexpr std::size_t kAny = std::numeric_limits<std::size_t>::max();
 constexpr std::chrono::seconds kAnswerLimit{120};
 constexpr std::chrono::seconds kStoringLimit{10};
 constexpr std::chrono::microseconds kShortestPause{100};
@@ -120,8 +119,9 @@ ZRMHostAnswer version(ZRMHostContext& context, const Words&) {
     return {{}, {}, boost::json::value(context.service.version())};
 }
 
-ZRMHostAnswer signal(ZRMHostContext&, const Words&) {
-    return failed(ZRMHostErrorNotAvailable, "this version takes no signals from the host");
+ZRMHostAnswer signal(ZRMHostContext&, const Words& arguments) {
+    const auto problem = zrm_feedHostSignal(arguments);
+    return problem ? failed(ZRMHostErrorWrongArguments, *problem) : ZRMHostAnswer();
 }
 
 ZRMHostAnswer wait(ZRMHostContext&, const Words& arguments) {
@@ -165,8 +165,8 @@ constexpr std::array kCommands{
                    "ask for a report of the location; not available in this version", location},
     ZRMHostCommand{"tag", 0, 0, "tag", "the device tag as \"value\"", tag},
     ZRMHostCommand{"version", 0, 0, "version", "the library's version as \"value\"", version},
-    ZRMHostCommand{"signal", 1, kAny, "signal NAME [ARGS]",
-                   "feed a signal to the device; not available in this version", signal},
+    ZRMHostCommand{"signal", 1, ZRMHostSignal::kAny, "signal NAME [ARGS]",
+                   "tell the library of the device; the signals are below", signal},
     ZRMHostCommand{"wait", 1, 1, "wait SECONDS", "do nothing", wait},
     ZRMHostCommand{
         "drain", 1, 1, "drain SECONDS",
@@ -198,5 +198,5 @@ std::string zrm_hostCommandsHelp() {
         line.resize(std::max(column, line.size() + 2), ' ');
         help += line + std::string(command.meaning) + "\n";
     }
-    return help;
+    return help + "Signals:\n" + zrm_hostSignalsHelp();
 }

@@ -35,6 +35,34 @@ class ZRMHostSignalsStress : public testing::Test {
         ASSERT_TRUE(done.waitUntil([](bool value) { return value; }));
     }
 
+    void feedEvents(int number, int round) {
+        signals_->calls.update({.uuid = std::to_string(number), .hasEnded = round % 3 == 2});
+        signals_->notifications.post(ZRMApplicationNotification::UserDidTakeScreenshot);
+        signals_->screens.setCaptured(round % 2 == 0);
+        signals_->screens.connect({.hasMirroredScreen = true});
+        signals_->screens.disconnect();
+        signals_->location.setStatus(round % 5);
+        signals_->location.setServicesEnabled(round % 2 == 0);
+        signals_->location.deliver({{.latitude = 1}});
+        signals_->location.fail(ZRMError(kZRMLocationErrorDomain, round));
+    }
+    // And reads what is answered.
+    void feedWords(int round) {
+        signals_->biometrics.tell({true, ZRMData(8), std::nullopt});
+        signals_->wifi.tell(ZRMWifiNetwork{"network", std::nullopt});
+        signals_->carriers.tell({{.name = "carrier"}});
+        signals_->tunnels.tell({"utun0"});
+        signals_->battery.tell({1, ZRMBatteryState::Full});
+        signals_->lowPowerMode.tell(round % 2 == 0);
+        signals_->deviceName.tell("device " + std::to_string(round));
+        if (round % 16 == 0) {
+            signals_->forgetMachine();
+        }
+        (void)platform_->localAuthentication->evaluateBiometrics();
+        (void)platform_->device->name();
+        (void)signals_->screens.joinedTo({});
+    }
+
     std::shared_ptr<ZRMHostSignals> signals_ = std::make_shared<ZRMHostSignals>();
     std::shared_ptr<const ZRMPlatform> platform_ = zrm_makeLinuxPlatform({.hostSignals = signals_});
 };
@@ -52,8 +80,7 @@ class CountingDelegate final : public ZRMLocationManagerDelegate {
 
 }  // namespace
 
-// The updates of a call are numbered in its UUID's companion flags: connected and held change with
-// the number, so that a lost or exchanged update shows.
+// Two flags of a call count its updates modulo four, so that a lost or exchanged one shows.
 TEST_F(ZRMHostSignalsStress, NoUpdateOfACallIsLostOrComesOutOfOrder) {
     struct Seen {
         std::array<int, kThreads> updates{};
@@ -116,15 +143,8 @@ TEST_F(ZRMHostSignalsStress, EverythingIsFedAtOnceWhileObserversComeAndGo) {
     });
     inThreads([this](int number) {
         for (int round = 0; round < kRounds; ++round) {
-            signals_->calls.update({.uuid = std::to_string(number), .hasEnded = round % 3 == 2});
-            signals_->notifications.post(ZRMApplicationNotification::UserDidTakeScreenshot);
-            signals_->notifications.post(ZRMApplicationNotification::ScreenCapturedDidChange);
-            signals_->location.setStatus(round % 5);
-            signals_->location.setServicesEnabled(round % 2 == 0);
-            signals_->location.deliver({{.latitude = 1}});
-            signals_->location.fail(ZRMError(kZRMLocationErrorDomain, round));
-            signals_->biometrics.tell({true, ZRMData(8), std::nullopt});
-            (void)platform_->localAuthentication->evaluateBiometrics();
+            feedEvents(number, round);
+            feedWords(round);
         }
     });
     isOver = true;

@@ -111,6 +111,34 @@ TEST_F(ZRMHostSignalsTest, WithoutAWordNobodyWasAskedAndTheServicesAreOff) {
     EXPECT_FALSE(signals_.location.areServicesEnabled());
 }
 
+TEST(ZRMHostMailbox, WhatWasDeliveredOrCannotBeAnyMoreIsFreed) {
+    const auto value = std::make_shared<int>(1);
+    const auto queue = std::make_shared<ZRMHeldQueue>();
+    int sum = 0;
+    ZRMHostObservers<std::shared_ptr<int>> observers;
+    auto subscription = observers.add(queue, [&sum](const auto& number) { sum += *number; });
+    const auto tell = [&](int times) {
+        for (int time = 0; time < times; ++time) {
+            ZRMHostObservers<std::shared_ptr<int>>::Delivery delivery;
+            observers.put(value, delivery);
+            delivery.post();
+        }
+    };
+    tell(10000);
+    EXPECT_EQ(value.use_count(), 10001);
+    queue->runAll();
+    EXPECT_EQ(sum, 10000);
+    EXPECT_EQ(value.use_count(), 1);
+    tell(10000);
+    subscription.reset();
+    EXPECT_EQ(value.use_count(), 1);
+    tell(1);
+    queue->runAll();
+    EXPECT_EQ(sum, 10000);
+    EXPECT_EQ(value.use_count(), 1);
+    EXPECT_TRUE(observers.isEmpty());
+}
+
 TEST(ZRMHostWord, KeepsTheLastWordUntilItIsTakenBack) {
     ZRMHostWord<std::string> word;
     EXPECT_EQ(word.word(), std::nullopt);

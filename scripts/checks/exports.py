@@ -4,10 +4,10 @@ import re
 import subprocess
 import sys
 
-ALLOWED = re.compile(r"^(ZRMMobileService::|ZRMMobileServiceConfiguration::|ZRMPlatform::(current|install)\(|"
+ALLOWED = re.compile(r"^(ZRMDeviceSignals::|ZRMMobileService::|ZRMMobileServiceConfiguration::|ZRMPlatform::(current|install)\(|"
                      r"zrm_(makeLinuxPlatform|stringFromLoginResult)\b|"
                      r"(typeinfo|typeinfo name|vtable) for ZRM(AssertionFailure|InvalidArgument)$)")
-NEEDED = ["ZRMMobileService::createServiceWithConfiguration(", "ZRMMobileServiceConfiguration::configuration(",
+NEEDED = ["ZRMDeviceSignals::updateCall(", "ZRMMobileService::createServiceWithConfiguration(", "ZRMMobileServiceConfiguration::configuration(",
           "ZRMPlatform::install(", "zrm_makeLinuxPlatform(", "zrm_stringFromLoginResult",
           "typeinfo for ZRMAssertionFailure"]
 

@@ -37,4 +37,20 @@ TEST(ZRMHostArguments, RefusesOtherSeconds) {
     }
 }
 
+TEST(ZRMHostArguments, ReadsNumbersOfEitherSign) {
+    EXPECT_EQ(zrm_numberFromText("48.25"), 48.25);
+    EXPECT_EQ(zrm_numberFromText("-16"), -16);
+    for (const auto* text : {"", "1e3", "nan", "-inf", "0x1", "1 ", "--1"}) {
+        EXPECT_EQ(zrm_numberFromText(text), std::nullopt) << text;
+    }
+}
+
+TEST(ZRMHostArguments, ReadsSwitches) {
+    EXPECT_EQ(zrm_switchFromText("on"), true);
+    EXPECT_EQ(zrm_switchFromText("off"), false);
+    for (const auto* text : {"", "ON", "true", "1"}) {
+        EXPECT_EQ(zrm_switchFromText(text), std::nullopt) << text;
+    }
+}
+
 }  // namespace

@@ -103,7 +103,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Refused{"wait soon", "wait", ZRMHostErrorWrongArguments},
                     Refused{"drain -1", "drain", ZRMHostErrorWrongArguments},
                     Refused{"signal", "signal", ZRMHostErrorWrongArguments},
-                    Refused{"signal call connected", "signal", ZRMHostErrorNotAvailable},
+                    Refused{"signal dance", "signal", ZRMHostErrorWrongArguments},
+                    Refused{"signal call", "signal", ZRMHostErrorWrongArguments},
                     Refused{"  login 'alice", "login", ZRMHostErrorUnbalancedQuotes},
                     Refused{"'", "", ZRMHostErrorUnbalancedQuotes},
                     Refused{"quit\\", "quit", ZRMHostErrorUnbalancedQuotes}));

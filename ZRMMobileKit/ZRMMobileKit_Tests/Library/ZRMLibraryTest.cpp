@@ -1,6 +1,7 @@
 // A host that knows the public headers alone, over the library as it is delivered.
 #include <gtest/gtest.h>
 
+#include "ZRMMobileKit/ZRMDeviceSignals.h"
 #include "ZRMMobileKit/ZRMMobileService.h"
 #include "ZRMPlatform/Linux/ZRMLinuxPlatform.h"
 
@@ -37,4 +38,14 @@ TEST_F(ZRMLibrary, ItsExceptionsAreCaughtByTheHost) {
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
     EXPECT_THROW(ZRMMobileService(), ZRMInvalidArgument);
 #pragma GCC diagnostic pop
+}
+
+TEST_F(ZRMLibrary, WhatTheHostTellsOfTheDeviceIsHeard) {
+    const auto calls = ZRMPlatform::current()->calls;
+    EXPECT_TRUE(calls->calls().empty());
+    EXPECT_TRUE(ZRMDeviceSignals::updateCall({.uuid = "A", .hasConnected = true}));
+    ASSERT_EQ(calls->calls().size(), 1u);
+    EXPECT_EQ(calls->calls().front().uuid, "A");
+    EXPECT_TRUE(ZRMDeviceSignals::updateCall({.uuid = "A", .hasEnded = true}));
+    EXPECT_TRUE(calls->calls().empty());
 }
