@@ -68,7 +68,7 @@ INSTANTIATE_TEST_SUITE_P(
         NamedCase{"Cipher", CURLE_SSL_CIPHER, 0, ZRMUrlErrorSecureConnectionFailed},
         NamedCase{"AuthorityFile", CURLE_SSL_CACERT_BADFILE, 0, ZRMUrlErrorSecureConnectionFailed},
         NamedCase{"OutOfMemory", CURLE_OUT_OF_MEMORY, 0, ZRMUrlErrorUnknown}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return row.param.name; });
 
 TEST(ZRMLinuxUrlErrors, AnUnknownHostOnAMachineWithoutAnyRouteMeansNoInternet) {
     auto offline = failure(CURLE_COULDNT_RESOLVE_HOST);
