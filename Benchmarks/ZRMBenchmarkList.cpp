@@ -1,10 +1,12 @@
 #include "Benchmarks/ZRMBenchmark.h"
 #include "Benchmarks/ZRMCodeSignatureBenchmark.h"
+#include "Benchmarks/ZRMFingerprintBenchmark.h"
 #include "Benchmarks/ZRMVerificationBenchmark.h"
 
 std::vector<ZRMBenchmark> zrm_benchmarks() {
     return {
         {"code-signature", zrm_measureCodeSignature},
+        {"fingerprint", zrm_measureFingerprint},
         {"loaded-images", zrm_measureLoadedImages},
         {"verification", zrm_measureVerification},
     };

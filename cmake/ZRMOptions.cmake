@@ -22,7 +22,12 @@ set(ZRM_SETTINGS_URL "https://localhost:8443/config/v1" CACHE STRING "Default se
 set(ZRM_STATISTICS_URL "https://localhost:8443/stat" CACHE STRING "Default statistics endpoint")
 set(ZRM_DEVICE_TAG_URL "https://localhost:8443/zwjsqd" CACHE STRING "Default device-tag endpoint")
 set(ZRM_CLIENT_ID "demosite" CACHE STRING "Default customer identifier")
-set(ZRM_DEVICE_NAME_XOR_KEY "ZRMMobileKit" CACHE STRING "Key that veils the device name")
+if(ZRM_DEVICE_NAME_XOR_KEY STREQUAL "ZRMMobileKit")
+  # The default that build directories of earlier versions hold, which was too long.
+  unset(ZRM_DEVICE_NAME_XOR_KEY CACHE)
+endif()
+set(ZRM_DEVICE_NAME_XOR_KEY "demo-key" CACHE STRING
+  "Key that veils the device name: 8 characters, or 8 bytes as 16 hexadecimal digits")
 set(ZRM_ROOT_CERTIFICATE "" CACHE FILEPATH "Pinned root certificate (DER) of the settings' signer; none by default")
 
 find_program(ZRM_CCACHE ccache)

@@ -30,7 +30,7 @@ void ZRMCloudKitImpl::sendFromSource(const std::shared_ptr<ZRMEventSource>& sour
     }
     perform([source](ZRMCloudKitImpl& core) {
         core.send(kZRMEventPriorityUsual, [&source](const ZRMEventProvider& provider) {
-            return source->eventWithProvider(provider.commonParametersProvider());
+            return source->eventWithProvider(provider);
         });
     });
 }

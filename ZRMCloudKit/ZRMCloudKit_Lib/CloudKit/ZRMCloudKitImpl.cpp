@@ -56,7 +56,7 @@ void ZRMCloudKitImpl::start() {
     auto started = std::make_shared<Started>();
     started->environmentData = createEnvironmentData();
     started->eventProvider = std::make_shared<ZRMEventProvider>(
-        platform_->clock, started->environmentData,
+        platform_, started->environmentData,
         std::make_shared<ZRMEventPermissionChecker>(platform_->locationAuthorization),
         serverTimeProvider_);
     if (detectors_.makeSecureDeviceTagProvider) {

@@ -1,6 +1,7 @@
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Detectors/ZRMCloudKitDetectors.h"
 
 #include "ZRMCloudKit/ZRMCloudKit_Lib/CallObserver/ZRMCallObserver.h"
+#include "ZRMCloudKit/ZRMCloudKit_Lib/Detectors/ZRMFingerprintSource.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Network/ZRMVPNDetector.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/ScreenCapture/ZRMScreenRecordingDetector.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/ScreenCapture/ZRMScreenShotDetector.h"
@@ -25,6 +26,7 @@ void addScreenDetectors(ZRMCloudKitDetectors& detectors,
 
 ZRMCloudKitDetectors zrm_makeCloudKitDetectors(const std::shared_ptr<const ZRMPlatform>& platform) {
     ZRMCloudKitDetectors detectors;
+    detectors.fingerprint = std::make_shared<ZRMFingerprintSource>(platform);
     detectors.makeJailbreakDetectors = [platform](std::uint32_t mask) {
         return ZRMDeviceJailbreakDetectorCollection::collectionWithDetectors(*platform, mask);
     };

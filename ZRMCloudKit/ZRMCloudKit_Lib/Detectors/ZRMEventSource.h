@@ -3,14 +3,15 @@
 
 #include <memory>
 
-#include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Envelope/ZRMCommonParametersProvider.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Events/ZRMCloudKitEvent.h"
+
+class ZRMEventProvider;
 
 // May be used from any thread, by several at once.
 class ZRMEventSource {
   public:
     virtual ~ZRMEventSource() = default;
-    // Looks now; may block. Never absent.
+    // Looks now; may block. Never absent. The event comes from the provider.
     [[nodiscard]] virtual std::shared_ptr<ZRMCloudKitEvent> eventWithProvider(
-        std::shared_ptr<const ZRMCommonParametersProvider> provider) = 0;
+        const ZRMEventProvider& provider) = 0;
 };

@@ -3,18 +3,19 @@
 #include <utility>
 
 ZRMEventProvider::ZRMEventProvider(
-    std::shared_ptr<ZRMClock> clock, std::shared_ptr<const ZRMEnvironmentDataImpl> enviromentData,
+    std::shared_ptr<const ZRMPlatform> platform,
+    std::shared_ptr<const ZRMEnvironmentDataImpl> enviromentData,
     std::shared_ptr<const ZRMEventPermissionChecker> permissionsChecker,
     std::shared_ptr<const ZRMServerTimeProvider> serverTimeProvider)
-    : clock_(std::move(clock)),
+    : platform_(std::move(platform)),
       environmentData_(std::move(enviromentData)),
       permissionChecker_(std::move(permissionsChecker)),
       serverTimeProvider_(std::move(serverTimeProvider)) {}
 
 std::shared_ptr<const ZRMCommonParametersProvider> ZRMEventProvider::commonParametersProvider()
     const {
-    return std::make_shared<ZRMCommonParametersProvider>(environmentData_, permissionChecker_,
-                                                         clock_->now(), serverTimeProvider_);
+    return std::make_shared<ZRMCommonParametersProvider>(
+        environmentData_, permissionChecker_, platform_->clock->now(), serverTimeProvider_);
 }
 
 std::shared_ptr<ZRMUserLoginEvent> ZRMEventProvider::userLoginEventWithUserName(
@@ -29,6 +30,15 @@ std::shared_ptr<ZRMUserLogoutEvent> ZRMEventProvider::userLogoutEvent() const {
 std::shared_ptr<ZRMApplicationInfoEvent> ZRMEventProvider::applicationInfoEventWithMd5(
     const std::string& md5) const {
     return make<ZRMApplicationInfoEvent>(md5);
+}
+
+std::shared_ptr<ZRMFingerprintEvent> ZRMEventProvider::fingerprintEventWithBundle(
+    std::shared_ptr<const ZRMMainBundle> bundle,
+    std::optional<ZRMWifiNodeDescriptor> wifiNodeDescriptor,
+    std::optional<ZRMIpAddress> ipAddressV4, std::optional<ZRMIpAddress> ipAddressV6) const {
+    return std::make_shared<ZRMFingerprintEvent>(
+        platform_, std::move(bundle), std::move(wifiNodeDescriptor), std::move(ipAddressV4),
+        std::move(ipAddressV6), commonParametersProvider());
 }
 
 std::shared_ptr<ZRMTouchIdChangedEvent> ZRMEventProvider::touchIdChangedEventWithSupported(

@@ -20,13 +20,14 @@
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Catalogue/ZRMUserLoginEvent.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Catalogue/ZRMUserLogoutEvent.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Catalogue/ZRMVpnEvent.h"
-#include "ZRMPlatform/Ports/ZRMClock.h"
+#include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Fingerprint/ZRMFingerprintEvent.h"
+#include "ZRMPlatform/Ports/ZRMPlatform.h"
 
 // Immutable; may be used from any thread.
 class ZRMEventProvider {
   public:
     // The server time provider may be absent. "enviromentData" is the interface's own spelling.
-    ZRMEventProvider(std::shared_ptr<ZRMClock> clock,
+    ZRMEventProvider(std::shared_ptr<const ZRMPlatform> platform,
                      std::shared_ptr<const ZRMEnvironmentDataImpl> enviromentData,
                      std::shared_ptr<const ZRMEventPermissionChecker> permissionsChecker,
                      std::shared_ptr<const ZRMServerTimeProvider> serverTimeProvider);
@@ -41,6 +42,11 @@ class ZRMEventProvider {
     // The digest in hexadecimal.
     [[nodiscard]] std::shared_ptr<ZRMApplicationInfoEvent> applicationInfoEventWithMd5(
         const std::string& md5) const;
+    // The wireless network and the addresses may be absent.
+    [[nodiscard]] std::shared_ptr<ZRMFingerprintEvent> fingerprintEventWithBundle(
+        std::shared_ptr<const ZRMMainBundle> bundle,
+        std::optional<ZRMWifiNodeDescriptor> wifiNodeDescriptor,
+        std::optional<ZRMIpAddress> ipAddressV4, std::optional<ZRMIpAddress> ipAddressV6) const;
     [[nodiscard]] std::shared_ptr<ZRMTouchIdChangedEvent> touchIdChangedEventWithSupported(
         bool supported, bool enabled, bool changed) const;
     [[nodiscard]] std::shared_ptr<ZRMDeviceJailbreakEvent> jailbreakEventWithDetectorCollection(
@@ -74,7 +80,7 @@ class ZRMEventProvider {
                                        commonParametersProvider());
     }
 
-    std::shared_ptr<ZRMClock> clock_;
+    std::shared_ptr<const ZRMPlatform> platform_;
     std::shared_ptr<const ZRMEnvironmentDataImpl> environmentData_;
     std::shared_ptr<const ZRMEventPermissionChecker> permissionChecker_;
     std::shared_ptr<const ZRMServerTimeProvider> serverTimeProvider_;

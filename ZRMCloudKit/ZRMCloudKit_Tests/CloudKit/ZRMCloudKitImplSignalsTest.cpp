@@ -60,6 +60,28 @@ TEST_F(ZRMCloudKitSignals, SendWhatTheirSourcesTellFromTheCoresQueue) {
     }
 }
 
+TEST_F(ZRMCloudKitSignals, SendTheFingerprintOfTheMomentFromTheCoresQueue) {
+    detectors_ = zrm_makeCloudKitDetectors(device_.platform());
+    const auto core = makeStartedCore();
+    core->sendFingerprint();
+    EXPECT_THAT(service_->sent, IsEmpty());
+    EXPECT_EQ(device_.power().monitoringChanges, 0);
+    device_.runUntilIdle();
+    ASSERT_THAT(sentTypes(), ElementsAre("IOSFingerprintEvent"));
+    EXPECT_EQ(sentPriority(0), 3);
+    EXPECT_EQ(sentBody(0).at("bundleIdentifier"), "com.example.host");
+    EXPECT_EQ(sentBody(0).at("ipAddress3"), 108736);
+    EXPECT_EQ(sentBody(0).at("ipv6"), "");
+    EXPECT_EQ(sentBody(0).at("wiFiSSID"), "Café Central");
+
+    device_.wifi().network = std::nullopt;
+    device_.networkInterfaces().list = std::nullopt;
+    core->sendFingerprint();
+    device_.runUntilIdle();
+    EXPECT_EQ(sentBody(1).at("ipAddress3"), 0);
+    EXPECT_EQ(sentBody(1).at("wiFiSSID"), "");
+}
+
 TEST_F(ZRMCloudKitSignals, AskTheJailbreakDetectorsOfFilesUrlSchemesAndSystemCall) {
     detectors_ = zrm_makeCloudKitDetectors(device_.platform());
     std::uint32_t askedMask = 0;

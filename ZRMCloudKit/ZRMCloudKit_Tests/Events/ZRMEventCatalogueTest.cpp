@@ -55,7 +55,7 @@ class ZRMEventCatalogue : public testing::Test {
     ZRMSimulatedDevice device_;
     ZRMScopedPlatform installed_{device_};
     ZRMEventProvider provider_{
-        device_.platform()->clock, std::make_shared<ZRMEnvironmentDataImpl>(),
+        device_.platform(), std::make_shared<ZRMEnvironmentDataImpl>(),
         std::make_shared<ZRMEventPermissionChecker>(device_.platform()->locationAuthorization),
         nullptr};
     std::shared_ptr<ZRMDyldWatcher> watcher_ =

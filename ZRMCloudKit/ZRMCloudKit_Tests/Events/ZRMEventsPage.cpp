@@ -3,6 +3,11 @@
 #include <span>
 
 #include "ZRMCloudKit/ZRMCloudKit_Lib/CloudKit/ZRMCloudKitPriorities.h"
+#include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Fingerprint/ZRMFingerprintBattery.h"
+#include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Fingerprint/ZRMFingerprintKernel.h"
+#include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Fingerprint/ZRMFingerprintScreen.h"
+#include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Fingerprint/ZRMFingerprintSimCard.h"
+#include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Fingerprint/ZRMFingerprintVolume.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Events/ZRMEventProvider.h"
 #include "ZRMCloudKit/ZRMCloudKit_Tests/Support/ZRMGoldenFile.h"
 
@@ -52,7 +57,7 @@ std::string partOf(const std::string& title, std::span<const ZRMEventField<Sourc
 // `raised` says when, `parts` holds the tables of the objects inside the body.
 template <class Event>
 std::string sectionOf(int priority, const std::string& raised, const std::string& parts = "") {
-    const ZRMEventTable<Event> table = Event::table();
+    const auto table = Event::table();
     const auto body =
         table.fields.empty() ? "It has no members of its own.\n" : tableOf(table.fields);
     return "\n## " + std::string(table.eventType) + "\n\nLayout version " +
@@ -76,6 +81,15 @@ std::string sectionsOfTheLibrary() {
     return sectionOf<ZRMLogDataEvent>(kZRMEventPriorityUsual,
                                       "Sent from time to time while the memory log is on.") +
            sectionOf<ZRMConfigEvent>(kZRMEventPriorityUsual, "Sent by an analysis.");
+}
+
+std::string partsOfTheFingerprint() {
+    return partOf("\"battery\"", ZRMFingerprintBattery::fields()) +
+           partOf("Each object of \"simCards\"", zrm_fingerprintSimCardFields()) +
+           partOf("\"filesystemProperties\"", zrm_fingerprintVolumeFields()) +
+           partOf("\"screenSettings\"", ZRMFingerprintScreen::fields()) +
+           partOf("\"sizeInPoints\" and \"sizeInPixels\"", ZRMFingerprintSize::fields()) +
+           partOf("\"sysctlbyname\"", zrm_fingerprintKernelFields());
 }
 
 std::string sectionsOfTheDevice() {
@@ -102,7 +116,12 @@ std::string sectionsOfTheDevice() {
            sectionOf<ZRMCallInfoEvent>(
                kZRMEventPriorityUrgent,
                "Sent when the observation begins and when a connected call changes or lasts.",
-               partOf("Each call", ZRMCallInfoEvent::callFields()));
+               partOf("Each call", ZRMCallInfoEvent::callFields())) +
+           sectionOf<ZRMFingerprintEvent>(
+               kZRMEventPriorityUsual,
+               "Sent by an analysis. No member is left out: what is not known is empty, 0 or "
+               "false.",
+               partsOfTheFingerprint());
 }
 
 }  // namespace

@@ -2,8 +2,10 @@
 #include "ZRMCloudKit/ZRMCloudKit_Tests/Support/ZRMCloudKitFixture.h"
 #include "ZRMCloudKit/ZRMCloudKit_Tests/Support/ZRMFakeDetectors.h"
 #include "ZRMCloudKit/ZRMCloudKit_Tests/Support/ZRMGoldenFile.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSData/NSData+ZRMCoreKit.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/UIDevice/UIDevice+ZRMCoreKit.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Json/ZRMJsonText.h"
+#include "ZRMGenerated/ZRMFingerprintBuildSettings.h"
 #include "ZRMSystemWatcher/ZRMSystemWatcher_Tests/ZRMSignedImageWriter.h"
 
 namespace {
@@ -63,6 +65,19 @@ TEST_F(ZRMGoldenEvents, DeviceJailbreak) {
     device_.commandProcessor().available = 1;
     core_->sendDeviceJailbreak();
     expectGolden("DeviceJailbreakEvent");
+}
+
+TEST_F(ZRMGoldenEvents, Fingerprint) {
+    // A name that this build's key, whichever it is, veils as the document has it.
+    const auto& key = kZRMFingerprintStatisticDeviceNameXorKey;
+    const ZRMData veiledName{0x25, 0x01, 0x0c, 0x48, 0x5e, 0x4b, 0x15, 0x11, 0x0b, 0x0b, 0x08};
+    device_.description().setName(
+        zrm_textFromData(zrm_xorWithBytes(veiledName, key.data(), key.size())));
+    device_.networkInterfaces().list = std::vector<ZRMInterfaceAddress>{
+        {"en0", {192, 168, 1, 20}},
+        {"en0", {0xfe, 0x80, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1}}};
+    core_->sendFingerprint();
+    expectGolden("IOSFingerprintEvent");
 }
 
 TEST_F(ZRMGoldenEvents, ApplicationSignature) {

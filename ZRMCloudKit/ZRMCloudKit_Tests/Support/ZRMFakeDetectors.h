@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Detectors/ZRMCloudKitDetectors.h"
+#include "ZRMCloudKit/ZRMCloudKit_Lib/Events/ZRMEventProvider.h"
 
 class ZRMFakeTouchId final : public ZRMTouchIdSensing {
   public:
@@ -99,9 +100,8 @@ class ZRMNamedEvent final : public ZRMCloudKitEvent {
 class ZRMFakeEventSource final : public ZRMEventSource {
   public:
     explicit ZRMFakeEventSource(std::string type) : type_(std::move(type)) {}
-    std::shared_ptr<ZRMCloudKitEvent> eventWithProvider(
-        std::shared_ptr<const ZRMCommonParametersProvider> provider) override {
-        return std::make_shared<ZRMNamedEvent>(type_, std::move(provider));
+    std::shared_ptr<ZRMCloudKitEvent> eventWithProvider(const ZRMEventProvider& provider) override {
+        return std::make_shared<ZRMNamedEvent>(type_, provider.commonParametersProvider());
     }
 
   private:

@@ -91,3 +91,18 @@ TEST(ZRMHttpUrl, HostileTextsAreAnsweredSoon) {
     EXPECT_FALSE(zrm_isValidHttpUrlString(std::string(100000, '.') + "|"));
     EXPECT_FALSE(zrm_isValidHttpUrlString("a.com/" + std::string(3000000, 'a') + "|"));
 }
+
+TEST(ZRMDirectoryUrl, EndsInASlashAndEscapesWhatAPathOfAUrlMayNotHold) {
+    EXPECT_EQ(zrm_directoryUrlText("/device/Host.app"), "file:///device/Host.app/");
+    EXPECT_EQ(zrm_directoryUrlText("/device/Host.app/"), "file:///device/Host.app/");
+    EXPECT_EQ(zrm_directoryUrlText("/"), "file:///");
+    EXPECT_EQ(zrm_directoryUrlText("/a b/100%/x?y#z;\"<>[]^`{|}\\"),
+              "file:///a%20b/100%25/x%3Fy%23z%3B%22%3C%3E%5B%5D%5E%60%7B%7C%7D%5C/");
+    EXPECT_EQ(zrm_directoryUrlText("/a-._~!$&'()*+,:=@Z9"), "file:///a-._~!$&'()*+,:=@Z9/");
+}
+
+TEST(ZRMDirectoryUrl, EscapesEveryByteOfOtherScriptsAndOfIllFormedText) {
+    EXPECT_EQ(zrm_directoryUrlText("/Überweisung/銀行"),
+              "file:///%C3%9Cberweisung/%E9%8A%80%E8%A1%8C/");
+    EXPECT_EQ(zrm_directoryUrlText("/\xFF\xC3\x01"), "file:///%FF%C3%01/");
+}
