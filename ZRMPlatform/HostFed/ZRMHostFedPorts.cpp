@@ -15,9 +15,7 @@ namespace {
 
 template <class HostFed, class Port>
 void wrap(std::shared_ptr<Port>& port, const std::shared_ptr<ZRMHostSignals>& signals) {
-    if (port) {
-        port = std::make_shared<HostFed>(std::move(port), signals);
-    }
+    port = std::make_shared<HostFed>(std::move(port), signals);
 }
 
 }  // namespace

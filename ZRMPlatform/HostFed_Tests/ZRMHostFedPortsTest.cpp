@@ -39,16 +39,6 @@ constexpr ZRMScreen kMonitor{.hasMirroredScreen = true, .width = 1920, .height =
 
 }  // namespace
 
-TEST_F(ZRMHostFedPorts, APortThatTheMachineDoesNotHaveIsNotMade) {
-    ZRMPlatform bare;
-    bare.executor = machine_.platform()->executor;
-    zrm_joinHostFedPorts(bare, signals_);
-    EXPECT_TRUE(bare.calls && bare.notifications && bare.locationServices);
-    EXPECT_TRUE(bare.locationAuthorization && bare.localAuthentication);
-    EXPECT_FALSE(bare.screens || bare.wifi || bare.carriers || bare.networkInterfaces);
-    EXPECT_FALSE(bare.power || bare.device);
-}
-
 TEST_F(ZRMHostFedScreensTest, WithoutAWordTheyAreTheMachines) {
     EXPECT_EQ(platform_.screens->screens(), machine_.platform()->screens->screens());
 }
