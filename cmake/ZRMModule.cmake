@@ -39,6 +39,22 @@ if(ZRM_BUILD_TESTS)
   endif()
 endif()
 
+# Registers a test program with ctest: each test by itself, or, where a sanitizer makes every start of
+# a program slow, its tests in two halves.
+function(zrm_discover_tests TARGET PREFIX)
+  if(NOT ZRM_SANITIZE)
+    # Without the parameters' values, which may hold anything: a row's own name says more.
+    gtest_discover_tests(${TARGET} TEST_PREFIX "${PREFIX}/" NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60
+      PROPERTIES TIMEOUT 300)
+    return()
+  endif()
+  foreach(SHARD 0 1)
+    add_test(NAME ${PREFIX}/${SHARD} COMMAND ${TARGET} --gtest_brief=1)
+    set_tests_properties(${PREFIX}/${SHARD} PROPERTIES TIMEOUT 900 ENVIRONMENT
+      "${ZRM_TEST_ENVIRONMENT};GTEST_TOTAL_SHARDS=2;GTEST_SHARD_INDEX=${SHARD}")
+  endforeach()
+endfunction()
+
 # Every test program links both device bodies; the tests choose which one they install.
 function(zrm_add_tests NAME)
   if(NOT ZRM_BUILD_TESTS)
@@ -52,6 +68,5 @@ function(zrm_add_tests NAME)
   if(ZRM_USE_PCH)
     target_precompile_headers(zrm_${NAME}_tests REUSE_FROM zrm_test_pch)
   endif()
-  gtest_discover_tests(zrm_${NAME}_tests TEST_PREFIX "${NAME}/" DISCOVERY_TIMEOUT 60
-    PROPERTIES TIMEOUT 300)
+  zrm_discover_tests(zrm_${NAME}_tests ${NAME})
 endfunction()

@@ -44,6 +44,13 @@ target_compile_options(zrm_options INTERFACE
   $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety -Xclang -fno-pch-timestamp>)
 target_include_directories(zrm_options INTERFACE "${PROJECT_SOURCE_DIR}")
 
+# Merged sources compile in a third of the time. What one source names for itself alone, the next may
+# shadow without harm; the same name twice does not compile.
+set(CMAKE_UNITY_BUILD_BATCH_SIZE 24)
+if(CMAKE_UNITY_BUILD)
+  target_compile_options(zrm_options INTERFACE -Wno-shadow)
+endif()
+
 # Line tables are enough for backtraces and keep debug links quick.
 set(CMAKE_CXX_FLAGS_DEBUG "-g1 -O0 -D_GLIBCXX_ASSERTIONS")
 
@@ -53,6 +60,12 @@ add_link_options(-fuse-ld=lld)
 if(ZRM_SANITIZE)
   add_compile_options(-fsanitize=${ZRM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${ZRM_SANITIZE})
+  # What tests run with, and by how much they may take longer.
+  set(ZRM_TEST_ENVIRONMENT
+    "ASAN_OPTIONS=strict_string_checks=1:detect_stack_use_after_return=1"
+    "UBSAN_OPTIONS=print_stacktrace=1"
+    "TSAN_OPTIONS=halt_on_error=1:suppressions=${PROJECT_SOURCE_DIR}/scripts/tsan.supp"
+    "ZRM_TIME_FACTOR=4")
 endif()
 if(ZRM_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)

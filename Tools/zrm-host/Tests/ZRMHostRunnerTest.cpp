@@ -75,6 +75,10 @@ struct Refused {
     int code;
 };
 
+void PrintTo(const Refused& refused, std::ostream* out) {
+    *out << refused.line;
+}
+
 class ZRMHostRunnerRefusal : public ZRMHostRunnerTest,
                              public testing::WithParamInterface<Refused> {};
 

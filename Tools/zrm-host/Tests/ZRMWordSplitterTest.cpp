@@ -1,3 +1,5 @@
+#include <ostream>
+
 #include <gtest/gtest.h>
 
 #include "Tools/zrm-host/ZRMWordSplitter.h"
@@ -10,6 +12,10 @@ struct Row {
     const char* line;
     Words words;
 };
+
+void PrintTo(const Row& row, std::ostream* out) {
+    *out << row.line;
+}
 
 class ZRMWordSplitter : public testing::TestWithParam<Row> {};
 

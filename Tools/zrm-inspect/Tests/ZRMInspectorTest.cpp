@@ -36,6 +36,10 @@ struct TextRow {
     const char* out;
 };
 
+void PrintTo(const TextRow& row, std::ostream* out) {
+    *out << testing::PrintToString(row.words);
+}
+
 class ZRMInspectorText : public testing::TestWithParam<TextRow> {
   protected:
     ZRMSimulatedDevice device_;

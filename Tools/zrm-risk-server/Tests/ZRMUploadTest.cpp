@@ -1,3 +1,5 @@
+#include <ostream>
+
 #include <boost/json/serialize.hpp>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -45,6 +47,10 @@ struct SpoiledHeader {
     const char* value;  // null: the header is taken out
     const char* reason;
 };
+
+void PrintTo(const SpoiledHeader& spoiled, std::ostream* out) {
+    *out << spoiled.name << ": " << (spoiled.value == nullptr ? "(none)" : spoiled.value);
+}
 
 class ZRMUploadHeaders : public testing::TestWithParam<SpoiledHeader> {};
 

@@ -1,3 +1,5 @@
+#include <ostream>
+
 #include <gtest/gtest.h>
 
 #include "ZRMMobileKit/ZRMMobileKitInfo.h"
@@ -11,6 +13,10 @@ struct MessageCase {
     int code;
     const char* message;
 };
+
+void PrintTo(const MessageCase& row, std::ostream* out) {
+    *out << "code " << row.code;
+}
 
 class ZRMMobileKitErrorMessage : public testing::TestWithParam<MessageCase> {};
 
