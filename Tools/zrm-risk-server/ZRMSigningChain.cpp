@@ -7,7 +7,7 @@
 namespace {
 
 constexpr long kAnswerSeconds = 3600;
-constexpr const char* kAuthorityUsage = "critical,keyCertSign,cRLSign";
+constexpr const char* kForgedAuthorityUsage = "critical,keyCertSign,cRLSign";
 
 template <class Object, void (*release)(Object*)>
 struct Releasing {
@@ -86,15 +86,15 @@ ZRMSigningChain::ZRMSigningChain(const ZRMPki& pki, const std::string& baseUrl, 
       key_(pki.signingKey()),
       isNamed_(isNamed),
       isLeafRevoked_(misbehaviours.contains(ZRMMisbehaviour::RevokedLeaf)) {
-    ZRMCertificateRequest authority{"Velorin Signing CA", 365, "critical,CA:TRUE,pathlen:0",
-                                    kAuthorityUsage,      "",  ""};
+    ZRMCertificateRequest authority{"Velorin Signing CA",  365, "critical,CA:TRUE,pathlen:0",
+                                    kForgedAuthorityUsage, "",  ""};
     authority.ocspUrl = baseUrl + kOcspPath;
     authority.crlUrl = baseUrl + kRootCrlPath;
     intermediate_.certificate = zrm_makeCertificate(authority, intermediate_.key.get(), &root_);
     if (misbehaviours.contains(ZRMMisbehaviour::ForeignRoot)) {
-        foreignRoot_ =
-            zrm_makeIdentity({"Foreign Root CA", 365, "critical,CA:TRUE", kAuthorityUsage, "", ""},
-                             ZRMKeyKind::Rsa2048, nullptr);
+        foreignRoot_ = zrm_makeIdentity(
+            {"Foreign Root CA", 365, "critical,CA:TRUE", kForgedAuthorityUsage, "", ""},
+            ZRMKeyKind::Rsa2048, nullptr);
     }
     auto leaf = leafRequest(misbehaviours.contains(ZRMMisbehaviour::ExpiredLeaf));
     leaf.ocspUrl = baseUrl + kOcspPath;

@@ -9,7 +9,7 @@
 
 namespace {
 
-using Context = std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)>;
+using DigestState = std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)>;
 
 // Fetched once and kept: looking one up costs more than a short digest.
 const EVP_MD* fetched(ZRMDigestAlgorithm algorithm) {
@@ -25,7 +25,7 @@ const EVP_MD* fetched(ZRMDigestAlgorithm algorithm) {
 
 class DigestContext : public ZRMDigestContext {
   public:
-    explicit DigestContext(Context context) : context_(std::move(context)) {}
+    explicit DigestContext(DigestState context) : context_(std::move(context)) {}
 
     void update(std::span<const std::uint8_t> bytes) override {
         isGood_ = isGood_ && EVP_DigestUpdate(context_.get(), bytes.data(), bytes.size()) == 1;
@@ -44,7 +44,7 @@ class DigestContext : public ZRMDigestContext {
     }
 
   private:
-    Context context_;
+    DigestState context_;
     bool isGood_ = true;
 };
 
@@ -53,7 +53,7 @@ class DigestContext : public ZRMDigestContext {
 std::unique_ptr<ZRMDigestContext> ZRMLinuxDigests::makeContext(ZRMDigestAlgorithm algorithm) {
     const ZRMLinuxOpenSSLErrors errors;
     const auto* const digest = fetched(algorithm);
-    Context context(EVP_MD_CTX_new(), &EVP_MD_CTX_free);
+    DigestState context(EVP_MD_CTX_new(), &EVP_MD_CTX_free);
     if (digest == nullptr || !context || EVP_DigestInit_ex(context.get(), digest, nullptr) != 1) {
         return nullptr;
     }

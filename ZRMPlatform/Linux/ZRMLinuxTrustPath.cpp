@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int kMaximumDepth = 16;
+constexpr int kMaximumPathLength = 16;
 constexpr int kSecurityLevelOf112Bits = 2;
 
 using Context = std::unique_ptr<X509_STORE_CTX, decltype(&X509_STORE_CTX_free)>;
@@ -64,7 +64,7 @@ ZRMLinuxTrustPath search(const Search& what, unsigned long flags) {
     auto* const parameters = X509_STORE_CTX_get0_param(context.get());
     X509_VERIFY_PARAM_set_flags(parameters, flags);
     X509_VERIFY_PARAM_set_time(parameters, zrm_secondsForOpenSSL(what.date));
-    X509_VERIFY_PARAM_set_depth(parameters, kMaximumDepth);
+    X509_VERIFY_PARAM_set_depth(parameters, kMaximumPathLength);
     X509_VERIFY_PARAM_set_auth_level(parameters, kSecurityLevelOf112Bits);
     if (X509_verify_cert(context.get()) != 1) {
         return {{}, reasonOf(context.get())};

@@ -10,13 +10,13 @@
 
 namespace {
 
-using Value = std::variant<double, std::string>;
-using Values = std::map<std::string, Value>;
+using StoredValue = std::variant<double, std::string>;
+using StoredValues = std::map<std::string, StoredValue>;
 
 // What could not be written, by file, for the process's life.
 struct Unwritten {
     std::mutex mutex;
-    std::map<std::string, Values> byPath;
+    std::map<std::string, StoredValues> byPath;
 };
 
 Unwritten& unwritten() {
@@ -25,13 +25,13 @@ Unwritten& unwritten() {
 }
 
 // libplist takes keys and strings that end at the first NUL.
-bool canBeWritten(const std::string& key, const Value& value) {
+bool canBeWritten(const std::string& key, const StoredValue& value) {
     const auto* const text = std::get_if<std::string>(&value);
     return key.find('\0') == std::string::npos &&
            (text == nullptr || text->find('\0') == std::string::npos);
 }
 
-plist_t nodeOf(const Value& value) {
+plist_t nodeOf(const StoredValue& value) {
     if (const auto* const number = std::get_if<double>(&value)) {
         return plist_new_real(*number);
     }
@@ -80,7 +80,7 @@ class Suite : public ZRMUserDefaultsSuite {
     }
 
     // Takes along what earlier writes had to leave in memory.
-    void set(const std::string& key, Value value) {
+    void set(const std::string& key, StoredValue value) {
         auto& kept = unwritten();
         const std::lock_guard lock(kept.mutex);
         auto& values = kept.byPath[file_.path()];

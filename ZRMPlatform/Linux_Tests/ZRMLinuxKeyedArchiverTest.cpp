@@ -28,7 +28,7 @@ void expectRoundTrip(const Value& value) {
     EXPECT_EQ(std::get<Value>(decoded.fields.at("key")), value);
 }
 
-std::int64_t codeOf(const ZRMData& bytes) {
+std::int64_t readingCode(const ZRMData& bytes) {
     const auto decoded = ZRMLinuxKeyedArchiver().decode(bytes);
     return decoded ? 0 : decoded.error().code();
 }
@@ -114,41 +114,41 @@ TEST(ZRMLinuxKeyedArchiver, WhatCouldNotBeReadBackIsNotArchived) {
 }
 
 TEST(ZRMLinuxKeyedArchiver, BytesThatAreNoArchiveAreAnError) {
-    EXPECT_EQ(codeOf({}), EINVAL);
-    EXPECT_EQ(codeOf(zrm_dataFromText("garbage")), EINVAL);
-    EXPECT_EQ(codeOf(zrm_dataFromText("<plist version=\"1.0\"><string>x</string></plist>")),
+    EXPECT_EQ(readingCode({}), EINVAL);
+    EXPECT_EQ(readingCode(zrm_dataFromText("garbage")), EINVAL);
+    EXPECT_EQ(readingCode(zrm_dataFromText("<plist version=\"1.0\"><string>x</string></plist>")),
               EINVAL);
     const auto bytes = ZRMLinuxKeyedArchiver().encode(with(1.5)).value();
     for (std::size_t length = 0; length < bytes.size(); ++length) {
-        EXPECT_EQ(codeOf({bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length)}),
+        EXPECT_EQ(readingCode({bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length)}),
                   EINVAL);
     }
 }
 
 TEST(ZRMLinuxKeyedArchiver, AnArchiveOfAnotherShapeIsAnError) {
-    EXPECT_EQ(codeOf(tampered([](plist_t, plist_t) {})), 0);
-    EXPECT_EQ(
-        codeOf(tampered([](plist_t root, plist_t) { plist_dict_remove_item(root, "$class"); })),
-        EINVAL);
-    EXPECT_EQ(codeOf(tampered([](plist_t root, plist_t) {
+    EXPECT_EQ(readingCode(tampered([](plist_t, plist_t) {})), 0);
+    EXPECT_EQ(readingCode(
+                  tampered([](plist_t root, plist_t) { plist_dict_remove_item(root, "$class"); })),
+              EINVAL);
+    EXPECT_EQ(readingCode(tampered([](plist_t root, plist_t) {
                   plist_dict_set_item(root, "$version", plist_new_uint(2));
               })),
               EINVAL);
-    EXPECT_EQ(codeOf(tampered([](plist_t root, plist_t) {
+    EXPECT_EQ(readingCode(tampered([](plist_t root, plist_t) {
                   plist_dict_set_item(root, "fields", plist_new_dict());
               })),
               EINVAL);
     EXPECT_EQ(
-        codeOf(tampered([](plist_t, plist_t field) { plist_dict_remove_item(field, "key"); })),
+        readingCode(tampered([](plist_t, plist_t field) { plist_dict_remove_item(field, "key"); })),
         EINVAL);
-    EXPECT_EQ(
-        codeOf(tampered([](plist_t, plist_t field) { plist_dict_remove_item(field, "value"); })),
-        EINVAL);
-    EXPECT_EQ(codeOf(tampered([](plist_t, plist_t field) {
+    EXPECT_EQ(readingCode(
+                  tampered([](plist_t, plist_t field) { plist_dict_remove_item(field, "value"); })),
+              EINVAL);
+    EXPECT_EQ(readingCode(tampered([](plist_t, plist_t field) {
                   plist_dict_set_item(field, "type", plist_new_string("other"));
               })),
               EINVAL);
-    EXPECT_EQ(codeOf(tampered([](plist_t root, plist_t field) {
+    EXPECT_EQ(readingCode(tampered([](plist_t root, plist_t field) {
                   plist_array_append_item(zrm_propertyListEntry(root, "fields"), plist_copy(field));
               })),
               EINVAL);  // the same key twice
@@ -156,13 +156,13 @@ TEST(ZRMLinuxKeyedArchiver, AnArchiveOfAnotherShapeIsAnError) {
 
 TEST(ZRMLinuxKeyedArchiver, AValueOfAnotherTypeThanStatedIsAnError) {
     for (const char* type : {"date", "double", "integer", "bool", "data", "object"}) {
-        EXPECT_EQ(codeOf(tampered([type](plist_t, plist_t field) {
+        EXPECT_EQ(readingCode(tampered([type](plist_t, plist_t field) {
                       plist_dict_set_item(field, "type", plist_new_string(type));
                   })),
                   EINVAL)
             << type;
     }
-    EXPECT_EQ(codeOf(tampered([](plist_t, plist_t field) {
+    EXPECT_EQ(readingCode(tampered([](plist_t, plist_t field) {
                   plist_dict_set_item(field, "value", plist_new_real(1));
               })),
               EINVAL);

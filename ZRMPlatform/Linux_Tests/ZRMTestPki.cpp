@@ -23,7 +23,7 @@ void check(bool good) {
 }
 
 template <class Encode>
-ZRMData derOf(Encode encode) {
+ZRMData derFrom(Encode encode) {
     const int length = encode(nullptr);
     check(length > 0);
     ZRMData der(static_cast<std::size_t>(length));
@@ -136,7 +136,7 @@ void addExtensions(OCSP_BASICRESP* basic, OCSP_SINGLERESP* single,
 }  // namespace
 
 ZRMData ZRMTestCertificate::der() const {
-    return derOf([this](unsigned char** out) { return i2d_X509(certificate.get(), out); });
+    return derFrom([this](unsigned char** out) { return i2d_X509(certificate.get(), out); });
 }
 
 ZRMData ZRMTestCertificate::pem() const {
@@ -251,7 +251,7 @@ ZRMData ZRMTestPki::ocspAnswer(const ZRMTestCertificate& subject, const ZRMTestC
                           digestNamed(options.digest), nullptr, OCSP_NOTIME) == 1);
     const std::unique_ptr<OCSP_RESPONSE, decltype(&OCSP_RESPONSE_free)> response(
         OCSP_response_create(OCSP_RESPONSE_STATUS_SUCCESSFUL, basic.get()), &OCSP_RESPONSE_free);
-    return derOf([&](unsigned char** out) { return i2d_OCSP_RESPONSE(response.get(), out); });
+    return derFrom([&](unsigned char** out) { return i2d_OCSP_RESPONSE(response.get(), out); });
 }
 
 ZRMData ZRMTestPki::crl(const ZRMTestCertificate& issuer, const ZRMTestCrlOptions& options) const {
@@ -282,5 +282,5 @@ ZRMData ZRMTestPki::crl(const ZRMTestCertificate& issuer, const ZRMTestCrlOption
     X509_CRL_sort(crl.get());
     const auto& key = options.key ? options.key : issuer.key;
     check(X509_CRL_sign(crl.get(), key.get(), digestNamed(options.digest)) > 0);
-    return derOf([&](unsigned char** out) { return i2d_X509_CRL(crl.get(), out); });
+    return derFrom([&](unsigned char** out) { return i2d_X509_CRL(crl.get(), out); });
 }

@@ -18,7 +18,7 @@ std::shared_ptr<Single> singleOf(const ZRMPlatform& platform) {
     return platform.instances->shared<Single>([] { return std::make_shared<Single>(); });
 }
 
-const std::string kFile = "/device/home/file";
+const std::string kSurvivor = "/device/home/file";
 
 void makeHome(ZRMSimulatedDevice& device) {
     ASSERT_FALSE(device.platform()->fileManager->createDirectory("/device/home"));
@@ -70,7 +70,7 @@ TEST(ZRMSimulatedProcess, RestartKeepsClockDiskKeychainDefaultsConsoleAndNetwork
     const ZRMDate now = device.now();
     makeHome(device);
     const auto platform = device.platform();
-    EXPECT_FALSE(platform->fileManager->writeFileAtomically(kFile, {1, 2}));
+    EXPECT_FALSE(platform->fileManager->writeFileAtomically(kSurvivor, {1, 2}));
     EXPECT_EQ(platform->keychainItems->add({.account = "tag"}, {3}), 0);
     platform->userDefaults->openSuite("suite")->setDouble("key", 4);
     platform->consoleLog->write("line\n");
@@ -79,7 +79,7 @@ TEST(ZRMSimulatedProcess, RestartKeepsClockDiskKeychainDefaultsConsoleAndNetwork
     device.restartProcess();
     EXPECT_EQ(device.now(), now);
     const auto again = device.platform();
-    EXPECT_EQ(again->fileManager->readFile(kFile).value(), (ZRMData{1, 2}));
+    EXPECT_EQ(again->fileManager->readFile(kSurvivor).value(), (ZRMData{1, 2}));
     ZRMData value;
     EXPECT_EQ(again->keychainItems->copyMatching({.account = "tag"}, value), 0);
     EXPECT_EQ(value, ZRMData{3});
@@ -92,13 +92,13 @@ TEST(ZRMSimulatedProcess, TheOldProcessCanDoNothingAfterARestart) {
     ZRMSimulatedDevice device;
     makeHome(device);
     const auto old = device.platform();
-    ASSERT_FALSE(old->fileManager->writeFileAtomically(kFile, {1}));
-    auto handle = old->fileManager->openForUpdating(kFile);
+    ASSERT_FALSE(old->fileManager->writeFileAtomically(kSurvivor, {1}));
+    auto handle = old->fileManager->openForUpdating(kSurvivor);
     ASSERT_TRUE(handle);
     device.restartProcess();
-    EXPECT_EQ(old->fileManager->writeFileAtomically(kFile, {2})->code(), EIO);
+    EXPECT_EQ(old->fileManager->writeFileAtomically(kSurvivor, {2})->code(), EIO);
     EXPECT_EQ(handle.value()->write(ZRMData{3})->code(), EIO);
-    EXPECT_FALSE(old->fileManager->fileExists(kFile));
+    EXPECT_FALSE(old->fileManager->fileExists(kSurvivor));
     EXPECT_EQ(old->keychainItems->add({.account = "a"}, {1}), ZRMKeychainNotAvailable);
     old->userDefaults->openSuite("suite")->setDouble("key", 4);
     old->consoleLog->write("ghost");
@@ -106,7 +106,7 @@ TEST(ZRMSimulatedProcess, TheOldProcessCanDoNothingAfterARestart) {
     old->executor->mainQueue()->post([&] { ran = true; });
     device.advanceBy(1);
     EXPECT_FALSE(ran);
-    EXPECT_EQ(device.disk().bytesOf(kFile), ZRMData{1});
+    EXPECT_EQ(device.disk().bytesOf(kSurvivor), ZRMData{1});
     EXPECT_TRUE(device.keychain().items().empty());
     EXPECT_TRUE(device.userDefaults().suites().empty());
     EXPECT_FALSE(device.console().contains("ghost"));
@@ -119,13 +119,13 @@ TEST(ZRMSimulatedProcess, AKilledTaskFinishesWithoutEffectAndNothingRunsAfterIt)
     bool later = false;
     platform->executor->mainQueue()->post([&] {
         device.killProcess();
-        EXPECT_TRUE(platform->fileManager->createFile(kFile));
+        EXPECT_TRUE(platform->fileManager->createFile(kSurvivor));
     });
     platform->executor->mainQueue()->post([&] { later = true; });
     device.runUntilIdle();
     EXPECT_FALSE(device.isProcessAlive());
     EXPECT_FALSE(later);
-    EXPECT_FALSE(device.disk().holdsFile(kFile));
+    EXPECT_FALSE(device.disk().holdsFile(kSurvivor));
     device.restartProcess();
     EXPECT_TRUE(device.isProcessAlive());
 }
@@ -153,9 +153,9 @@ TEST(ZRMSimulatedProcess, KillsAtTheDiskOperationOfThatNumber) {
     makeHome(device);
     device.killAtDiskOperation(device.disk().faults().operationCount() + 3);
     const auto manager = device.platform()->fileManager;
-    EXPECT_FALSE(manager->createFile(kFile + "1"));
-    EXPECT_FALSE(manager->createFile(kFile + "2"));
-    EXPECT_TRUE(manager->createFile(kFile + "3"));
+    EXPECT_FALSE(manager->createFile(kSurvivor + "1"));
+    EXPECT_FALSE(manager->createFile(kSurvivor + "2"));
+    EXPECT_TRUE(manager->createFile(kSurvivor + "3"));
     EXPECT_FALSE(device.isProcessAlive());
     EXPECT_EQ(device.disk().filesBelow("/device/home").size(), 2u);
 }

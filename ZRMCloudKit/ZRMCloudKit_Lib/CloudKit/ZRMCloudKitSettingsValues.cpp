@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr const char* kClassName = "ZRMCloudKitSettings";
+constexpr const char* kSettingsClassName = "ZRMCloudKitSettings";
 constexpr const char* kInstallationIdKey = "ZRMInstallationId";
 constexpr const char* kInstallationDateKey = "ZRMInstallationDate";
 constexpr const char* kMd5SendDateKey = "ZRMApplicationMd5StatisticsSendDate";
@@ -60,7 +60,7 @@ bool readWholeSeconds(const ZRMArchiveFields& fields, double& seconds) {
 }  // namespace
 
 ZRMArchiveObject ZRMCloudKitSettingsValues::encode() const {
-    ZRMArchiveObject object{kClassName, {}};
+    ZRMArchiveObject object{kSettingsClassName, {}};
     if (installationId) {
         object.fields[kInstallationIdKey] = *installationId;
     }
@@ -84,7 +84,7 @@ std::optional<ZRMCloudKitSettingsValues> ZRMCloudKitSettingsValues::decode(
     const ZRMArchiveObject& object) {
     ZRMCloudKitSettingsValues values;
     const auto& fields = object.fields;
-    const bool good = object.className == kClassName &&
+    const bool good = object.className == kSettingsClassName &&
                       zrm_readArchiveField(fields, kInstallationIdKey, values.installationId) &&
                       zrm_readArchiveField(fields, kInstallationDateKey, values.installationDate) &&
                       readDate(fields, kMd5SendDateKey, values.applicationMd5SendDate) &&

@@ -15,7 +15,7 @@ using testing::IsEmpty;
 using testing::MatchesRegex;
 
 constexpr const char* kPath = "/zwjsqd";
-constexpr const char* kDirectory = "/device/data/ZRMCloudKit";
+constexpr const char* kTagDirectory = "/device/data/ZRMCloudKit";
 
 class ZRMSecureDeviceTagProviderTest : public testing::Test {
   protected:
@@ -26,7 +26,7 @@ class ZRMSecureDeviceTagProviderTest : public testing::Test {
 
     // Of the current process, with the storage as it lies on the disk.
     ZRMSecureDeviceTagProvider& makeProvider() {
-        storage_ = ZRMCloudKitSettings::settingsFromDirectory(device_.platform(), kDirectory);
+        storage_ = ZRMCloudKitSettings::settingsFromDirectory(device_.platform(), kTagDirectory);
         provider_ = std::make_shared<ZRMSecureDeviceTagProvider>(
             device_.platform(),
             ZRMSecureDeviceTagParameters{
@@ -155,7 +155,8 @@ TEST_F(ZRMSecureDeviceTagProviderTest, StoresTagIntervalAndDateAndAsksAgainAfter
     const auto due = device_.now().addingSeconds(7200);
     EXPECT_EQ(provider_->secureDeviceTag(), "AB12-CD");
     EXPECT_FALSE(provider_->isRefreshNeeded());
-    const auto stored = ZRMCloudKitSettings::settingsFromDirectory(device_.platform(), kDirectory);
+    const auto stored =
+        ZRMCloudKitSettings::settingsFromDirectory(device_.platform(), kTagDirectory);
     EXPECT_EQ(stored->secureDeviceTag(), "AB12-CD");
     EXPECT_EQ(stored->secureDeviceTagRefreshInterval(), 7200);
     EXPECT_NEAR(stored->secureDeviceTagRefreshDate().secondsSince(due), 0, 0.01);
@@ -345,7 +346,7 @@ TEST_F(ZRMSecureDeviceTagProviderTest, KilledAnywhereItLeavesAllOldOrAllNewValue
         provider_ = nullptr;
         device_.restartProcess(ZRMSimulatedLoss::All);
         const auto found =
-            ZRMCloudKitSettings::settingsFromDirectory(device_.platform(), kDirectory);
+            ZRMCloudKitSettings::settingsFromDirectory(device_.platform(), kTagDirectory);
         const bool isOld = found->secureDeviceTag() == "OLD";
         EXPECT_TRUE(isOld || found->secureDeviceTag() == "A") << number;
         EXPECT_EQ(found->secureDeviceTagRefreshInterval(), isOld ? 60 : 7200) << number;

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr const char* kPath = "/device/home/Documents/zrm-traces.log";
+constexpr const char* kTracePath = "/device/home/Documents/zrm-traces.log";
 constexpr const char* kDocuments = ZRMSimulatedDirectories::kDocuments;
 using Operation = ZRMSimulatedDiskOperation;
 
@@ -74,7 +74,7 @@ class ZRMFileLoggerImplTest : public testing::Test {
         ZRMLoggerCollection::sharedInstance()->addLogger(logger_);
     }
 
-    std::string content() { return zrm_textFromData(device_.disk().bytesOf(kPath)); }
+    std::string content() { return zrm_textFromData(device_.disk().bytesOf(kTracePath)); }
     void log(const std::string& text) {
         logger_->logMessage(text, kZRMLogLevelError);
         device_.runUntilIdle();
@@ -85,14 +85,14 @@ class ZRMFileLoggerImplTest : public testing::Test {
     // A logger whose file is there and is one handle with that state.
     std::shared_ptr<ZRMFileLoggerImpl> loggerOf(const std::shared_ptr<HandleState>& state) {
         EXPECT_CALL(*files_, directoryExists(kDocuments)).WillOnce(testing::Return(true));
-        EXPECT_CALL(*files_, fileExists(kPath)).WillOnce(testing::Return(true));
-        EXPECT_CALL(*files_, openForUpdating(kPath)).WillOnce([state](const std::string&) {
+        EXPECT_CALL(*files_, fileExists(kTracePath)).WillOnce(testing::Return(true));
+        EXPECT_CALL(*files_, openForUpdating(kTracePath)).WillOnce([state](const std::string&) {
             return MockFileManager::Handle(std::make_unique<FakeHandle>(state));
         });
         ZRMPlatform platform = *device_.platform();
         platform.fileManager = files_;
         return std::make_shared<ZRMFileLoggerImpl>(platform, ZRMLoggerCollection::sharedInstance(),
-                                                   kZRMLogLevelError, kPath);
+                                                   kZRMLogLevelError, kTracePath);
     }
     void fail(Operation operation, int errorNumber = 5) {
         device_.disk().faults().add({.operation = operation, .errorNumber = errorNumber});
@@ -109,25 +109,25 @@ class ZRMFileLoggerImplTest : public testing::Test {
 }  // namespace
 
 TEST_F(ZRMFileLoggerImplTest, LiesInTheDocumentsDirectory) {
-    EXPECT_EQ(logger_->logFilePath(), kPath);
+    EXPECT_EQ(logger_->logFilePath(), kTracePath);
     EXPECT_EQ(logger_->logLevel(), kZRMLogLevelError);
 }
 
 TEST_F(ZRMFileLoggerImplTest, MakesNoFileBeforeALineIsAccepted) {
     logger_->logMessage("verbose", kZRMLogLevelVerbose);
     device_.runUntilIdle();
-    EXPECT_FALSE(device_.disk().holdsFile(kPath));
+    EXPECT_FALSE(device_.disk().holdsFile(kTracePath));
 }
 
 TEST_F(ZRMFileLoggerImplTest, FirstLineMakesDirectoryAndFileThatBackupsLeaveOut) {
     log("one");
     EXPECT_EQ(content(), line("one"));
-    EXPECT_TRUE(device_.disk().isExcludedFromBackup(kPath));
+    EXPECT_TRUE(device_.disk().isExcludedFromBackup(kTracePath));
 }
 
 TEST_F(ZRMFileLoggerImplTest, WritesOffTheCallersThread) {
     logger_->logMessage("one", kZRMLogLevelError);
-    EXPECT_FALSE(device_.disk().holdsFile(kPath));
+    EXPECT_FALSE(device_.disk().holdsFile(kTracePath));
     device_.runUntilIdle();
     EXPECT_EQ(content(), line("one"));
 }
@@ -141,7 +141,7 @@ TEST_F(ZRMFileLoggerImplTest, AppendsLinesInTheOrderOfLogging) {
 }
 
 TEST_F(ZRMFileLoggerImplTest, AppendsToWhatAnEarlierRunWrote) {
-    device_.disk().put(kPath, "before\n");
+    device_.disk().put(kTracePath, "before\n");
     log("one");
     EXPECT_EQ(content(), "before\n" + line("one"));
 }
@@ -210,7 +210,7 @@ TEST_F(ZRMFileLoggerImplTest, ClosesItsFileBeforeItRemovesIt) {
     const auto logger = loggerOf(state);
     logger->logMessage("one", kZRMLogLevelError);
     logger->deleteLogFile();
-    EXPECT_CALL(*files_, removeItem(kPath)).WillOnce([state](const std::string&) {
+    EXPECT_CALL(*files_, removeItem(kTracePath)).WillOnce([state](const std::string&) {
         EXPECT_FALSE(state->isOpen);
         return std::nullopt;
     });
@@ -243,7 +243,7 @@ TEST_F(ZRMFileLoggerImplTest, DirectoryThatCannotBeMadeSilencesItForTheProcess) 
     ASSERT_EQ(log_.errors().size(), 1u);
     device_.disk().faults().clear();
     log("also lost");
-    EXPECT_FALSE(device_.disk().holdsFile(kPath));
+    EXPECT_FALSE(device_.disk().holdsFile(kTracePath));
     EXPECT_EQ(log_.errors().size(), 1u);
     EXPECT_EQ(device_.console().text(), "");
 }
@@ -254,7 +254,7 @@ TEST_F(ZRMFileLoggerImplTest, FileThatCannotBeMadeSilencesIt) {
     ASSERT_EQ(log_.errors().size(), 1u);
     device_.disk().faults().clear();
     log("also lost");
-    EXPECT_FALSE(device_.disk().holdsFile(kPath));
+    EXPECT_FALSE(device_.disk().holdsFile(kTracePath));
 }
 
 TEST_F(ZRMFileLoggerImplTest, BackupExclusionThatFailsSilencesIt) {
@@ -287,13 +287,13 @@ TEST_F(ZRMFileLoggerImplTest, ChecksTheDocumentsDirectoryWhereverItsFileLies) {
 
 TEST_F(ZRMFileLoggerImplTest, ClearEmptiesTheFileAndKeepsItsCreationDate) {
     log("one");
-    const auto created = device_.platform()->fileManager->creationDate(kPath).value();
+    const auto created = device_.platform()->fileManager->creationDate(kTracePath).value();
     device_.advanceBy(100);
     logger_->clearLogFile();
     device_.runUntilIdle();
-    EXPECT_TRUE(device_.disk().holdsFile(kPath));
+    EXPECT_TRUE(device_.disk().holdsFile(kTracePath));
     EXPECT_EQ(content(), "");
-    EXPECT_EQ(device_.platform()->fileManager->creationDate(kPath).value(), created);
+    EXPECT_EQ(device_.platform()->fileManager->creationDate(kTracePath).value(), created);
 }
 
 TEST_F(ZRMFileLoggerImplTest, ClearComesAfterTheLinesBeforeItAndBeforeThoseAfterIt) {
@@ -307,7 +307,7 @@ TEST_F(ZRMFileLoggerImplTest, ClearComesAfterTheLinesBeforeItAndBeforeThoseAfter
 TEST_F(ZRMFileLoggerImplTest, ClearOfAFileThatIsNotThereMakesAnEmptyOne) {
     logger_->clearLogFile();
     device_.runUntilIdle();
-    EXPECT_TRUE(device_.disk().holdsFile(kPath));
+    EXPECT_TRUE(device_.disk().holdsFile(kTracePath));
     EXPECT_EQ(content(), "");
 }
 
@@ -324,12 +324,12 @@ TEST_F(ZRMFileLoggerImplTest, DeleteRemovesTheFileAndTheNextLineBeginsANewOne) {
     log("one");
     logger_->deleteLogFile();
     device_.runUntilIdle();
-    EXPECT_FALSE(device_.disk().holdsFile(kPath));
+    EXPECT_FALSE(device_.disk().holdsFile(kTracePath));
     device_.advanceBy(1);
     logger_->logMessage("two", kZRMLogLevelError);
     device_.runUntilIdle();
     EXPECT_EQ(content(), "[2026-01-01 00:00:01 +0000] [2] [ERR] two\n");
-    EXPECT_TRUE(device_.disk().isExcludedFromBackup(kPath));
+    EXPECT_TRUE(device_.disk().isExcludedFromBackup(kTracePath));
 }
 
 TEST_F(ZRMFileLoggerImplTest, DeleteThatFailsIsLoggedByTheOthers) {

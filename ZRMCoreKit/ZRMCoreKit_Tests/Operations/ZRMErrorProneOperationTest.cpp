@@ -8,9 +8,9 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class OpenEndedOperation : public ZRMErrorProneOperation {
+class FallibleOperation : public ZRMErrorProneOperation {
   public:
-    OpenEndedOperation() : ZRMErrorProneOperation(nullptr) {}
+    FallibleOperation() : ZRMErrorProneOperation(nullptr) {}
     void execute() override {}
     using ZRMErrorProneOperation::finishWithError;
 };
@@ -18,11 +18,11 @@ class OpenEndedOperation : public ZRMErrorProneOperation {
 const ZRMError kError("domain", 7);
 
 TEST(ZRMErrorProneOperation, HasNoErrorAtFirst) {
-    EXPECT_FALSE(std::make_shared<OpenEndedOperation>()->error());
+    EXPECT_FALSE(std::make_shared<FallibleOperation>()->error());
 }
 
 TEST(ZRMErrorProneOperation, KeepsTheErrorItFinishedWith) {
-    const auto operation = std::make_shared<OpenEndedOperation>();
+    const auto operation = std::make_shared<FallibleOperation>();
     operation->start();
     operation->finishWithError(kError);
     EXPECT_TRUE(operation->isFinished());
@@ -30,7 +30,7 @@ TEST(ZRMErrorProneOperation, KeepsTheErrorItFinishedWith) {
 }
 
 TEST(ZRMErrorProneOperation, FinishesWithoutAnError) {
-    const auto operation = std::make_shared<OpenEndedOperation>();
+    const auto operation = std::make_shared<FallibleOperation>();
     operation->start();
     operation->finishWithError(std::nullopt);
     EXPECT_TRUE(operation->isFinished());
@@ -38,7 +38,7 @@ TEST(ZRMErrorProneOperation, FinishesWithoutAnError) {
 }
 
 TEST(ZRMErrorProneOperation, AnnouncesTheErrorBeforeItFinishes) {
-    const auto operation = std::make_shared<OpenEndedOperation>();
+    const auto operation = std::make_shared<FallibleOperation>();
     operation->start();
     std::vector<std::string> changes;
     operation->addChangeObserver([&](const std::string& key, bool isPrior) {
@@ -51,7 +51,7 @@ TEST(ZRMErrorProneOperation, AnnouncesTheErrorBeforeItFinishes) {
 }
 
 TEST(ZRMErrorProneOperation, DropsTheErrorWhenItIsNotExecuting) {
-    const auto operation = std::make_shared<OpenEndedOperation>();
+    const auto operation = std::make_shared<FallibleOperation>();
     operation->finishWithError(kError);
     EXPECT_FALSE(operation->error());
     EXPECT_FALSE(operation->isFinished());
@@ -63,7 +63,7 @@ TEST(ZRMErrorProneOperation, DropsTheErrorWhenItIsNotExecuting) {
 }
 
 TEST(ZRMErrorProneOperation, CancelFinishesWhatExecutesWithoutAnError) {
-    const auto operation = std::make_shared<OpenEndedOperation>();
+    const auto operation = std::make_shared<FallibleOperation>();
     operation->start();
     operation->cancel();
     EXPECT_TRUE(operation->isCancelled());
@@ -73,7 +73,7 @@ TEST(ZRMErrorProneOperation, CancelFinishesWhatExecutesWithoutAnError) {
 }
 
 TEST(ZRMErrorProneOperation, CancelBeforeTheStartLeavesTheFinishToTheStart) {
-    const auto operation = std::make_shared<OpenEndedOperation>();
+    const auto operation = std::make_shared<FallibleOperation>();
     operation->cancel();
     EXPECT_FALSE(operation->isFinished());
     operation->start();
@@ -81,7 +81,7 @@ TEST(ZRMErrorProneOperation, CancelBeforeTheStartLeavesTheFinishToTheStart) {
 }
 
 TEST(ZRMErrorProneOperation, CancelOnceFinishedChangesNothing) {
-    const auto operation = std::make_shared<OpenEndedOperation>();
+    const auto operation = std::make_shared<FallibleOperation>();
     operation->start();
     operation->finishWithError(kError);
     std::vector<std::string> changes;
@@ -92,7 +92,7 @@ TEST(ZRMErrorProneOperation, CancelOnceFinishedChangesNothing) {
 }
 
 TEST(ZRMErrorProneOperation, ACancelInTheMidstOfTheErrorsAnnouncementLetsTheErrorStand) {
-    const auto operation = std::make_shared<OpenEndedOperation>();
+    const auto operation = std::make_shared<FallibleOperation>();
     operation->start();
     int finishes = 0;
     operation->addChangeObserver([&](const std::string& key, bool isPrior) {

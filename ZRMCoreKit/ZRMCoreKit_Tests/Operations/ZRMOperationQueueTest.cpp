@@ -12,9 +12,9 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class OpenEndedOperation : public ZRMAsynchronousOperation {
+class QueuedOperation : public ZRMAsynchronousOperation {
   public:
-    OpenEndedOperation() : ZRMAsynchronousOperation(nullptr) {}
+    QueuedOperation() : ZRMAsynchronousOperation(nullptr) {}
     void execute() override {}
     using ZRMAsynchronousOperation::finish;
 };
@@ -77,8 +77,8 @@ TEST_F(ZRMOperationQueueTest, AllOfAGroupAreAddedBeforeAnyStarts) {
 
 TEST_F(ZRMOperationQueueTest, AnOperationWaitsForItsDependencies) {
     const auto queue = makeQueue();
-    const auto first = std::make_shared<OpenEndedOperation>();
-    const auto second = std::make_shared<OpenEndedOperation>();
+    const auto first = std::make_shared<QueuedOperation>();
+    const auto second = std::make_shared<QueuedOperation>();
     const auto waiting = recording(1);
     waiting->addDependency(first);
     waiting->addDependency(second);
@@ -95,7 +95,7 @@ TEST_F(ZRMOperationQueueTest, AnOperationWaitsForItsDependencies) {
 
 TEST_F(ZRMOperationQueueTest, AWaitingOperationTakesNoPlaceOfTheLimit) {
     const auto queue = makeQueue(1);
-    const auto first = std::make_shared<OpenEndedOperation>();
+    const auto first = std::make_shared<QueuedOperation>();
     const auto waiting = recording(1);
     waiting->addDependency(first);
     queue->addOperations({waiting, recording(2), first});
@@ -109,7 +109,7 @@ TEST_F(ZRMOperationQueueTest, AWaitingOperationTakesNoPlaceOfTheLimit) {
 
 TEST_F(ZRMOperationQueueTest, AnOperationThatBecomesReadyGoesBeforeThoseAddedLater) {
     const auto queue = makeQueue(1);
-    const auto first = std::make_shared<OpenEndedOperation>();
+    const auto first = std::make_shared<QueuedOperation>();
     const auto waiting = recording(1);
     waiting->addDependency(first);
     queue->addOperations({first, waiting, recording(2), recording(3)});
@@ -123,7 +123,7 @@ TEST_F(ZRMOperationQueueTest, AnOperationThatBecomesReadyGoesBeforeThoseAddedLat
 TEST_F(ZRMOperationQueueTest, DependenciesReachAcrossQueues) {
     const auto here = makeQueue(1);
     const auto there = makeQueue(1);
-    const auto first = std::make_shared<OpenEndedOperation>();
+    const auto first = std::make_shared<QueuedOperation>();
     const auto waiting = recording(1);
     waiting->addDependency(first);
     here->addOperation(waiting);
@@ -172,9 +172,9 @@ TEST_F(ZRMOperationQueueTest, ACancelledDependencyLetsGoOnceItHasFinished) {
 
 TEST_F(ZRMOperationQueueTest, RunsNoMoreThanTheLimitAtATime) {
     const auto queue = makeQueue(2);
-    std::vector<std::shared_ptr<OpenEndedOperation>> operations;
+    std::vector<std::shared_ptr<QueuedOperation>> operations;
     for (int index = 0; index < 4; ++index) {
-        operations.push_back(std::make_shared<OpenEndedOperation>());
+        operations.push_back(std::make_shared<QueuedOperation>());
         queue->addOperation(operations.back());
     }
     const auto executing = [&] {
@@ -250,7 +250,7 @@ TEST_F(ZRMOperationQueueTest, AnOperationMaySuspendItsOwnQueue) {
 
 TEST_F(ZRMOperationQueueTest, WhatRunsGoesOnWhileSuspended) {
     const auto queue = makeQueue(1);
-    const auto running = std::make_shared<OpenEndedOperation>();
+    const auto running = std::make_shared<QueuedOperation>();
     queue->addOperations({running, recording(1)});
     settle();
     queue->setSuspended(true);
@@ -275,7 +275,7 @@ TEST_F(ZRMOperationQueueTest, ACancelledOperationOnlyFinishes) {
 
 TEST_F(ZRMOperationQueueTest, ACancelledOperationWaitsForItsDependenciesNoMore) {
     const auto queue = makeQueue();
-    const auto first = std::make_shared<OpenEndedOperation>();
+    const auto first = std::make_shared<QueuedOperation>();
     const auto before = recording(1);
     const auto after = recording(2);
     before->addDependency(first);
@@ -305,7 +305,7 @@ TEST_F(ZRMOperationQueueTest, ACancelledOperationOfASuspendedQueueFinishesOnceIt
 
 TEST_F(ZRMOperationQueueTest, CancelAllReachesWaitingAndRunningOperations) {
     const auto queue = makeQueue(1);
-    const auto running = std::make_shared<OpenEndedOperation>();
+    const auto running = std::make_shared<QueuedOperation>();
     const auto waiting = recording(1);
     queue->addOperations({running, waiting});
     settle();
@@ -320,8 +320,8 @@ TEST_F(ZRMOperationQueueTest, CancelAllReachesWaitingAndRunningOperations) {
 
 TEST_F(ZRMOperationQueueTest, KeepsAnOperationAliveUntilItHasFinished) {
     const auto queue = makeQueue();
-    auto operation = std::make_shared<OpenEndedOperation>();
-    const std::weak_ptr<OpenEndedOperation> weak = operation;
+    auto operation = std::make_shared<QueuedOperation>();
+    const std::weak_ptr<QueuedOperation> weak = operation;
     queue->addOperation(std::move(operation));
     settle();
     ASSERT_FALSE(weak.expired());
@@ -331,8 +331,8 @@ TEST_F(ZRMOperationQueueTest, KeepsAnOperationAliveUntilItHasFinished) {
 
 TEST_F(ZRMOperationQueueTest, ADroppedQueueStillRunsItsOperations) {
     auto queue = makeQueue(1);
-    auto operation = std::make_shared<OpenEndedOperation>();
-    const std::weak_ptr<OpenEndedOperation> weak = operation;
+    auto operation = std::make_shared<QueuedOperation>();
+    const std::weak_ptr<QueuedOperation> weak = operation;
     const auto waiting = recording(2);
     waiting->addDependency(operation);
     queue->addOperations({std::move(operation), recording(1), waiting});
@@ -385,7 +385,7 @@ TEST_F(ZRMOperationQueueTest, RefusesWhatItCannotRun) {
     finished->start();
     EXPECT_THROW(queue->addOperation(finished), ZRMInvalidArgument);
 
-    const auto executing = std::make_shared<OpenEndedOperation>();
+    const auto executing = std::make_shared<QueuedOperation>();
     executing->start();
     EXPECT_THROW(queue->addOperation(executing), ZRMInvalidArgument);
     EXPECT_EQ(queue->operationCount(), 1U);
@@ -404,8 +404,8 @@ TEST_F(ZRMOperationQueueTest, RefusesAGroupAsAWhole) {
 
 TEST_F(ZRMOperationQueueTest, AnOperationThatEndsBeforeItsTurnMakesRoom) {
     const auto queue = makeQueue(1);
-    const auto running = std::make_shared<OpenEndedOperation>();
-    const auto ended = std::make_shared<OpenEndedOperation>();
+    const auto running = std::make_shared<QueuedOperation>();
+    const auto ended = std::make_shared<QueuedOperation>();
     queue->addOperations({running, ended, recording(1)});
     settle();
     ended->finish();

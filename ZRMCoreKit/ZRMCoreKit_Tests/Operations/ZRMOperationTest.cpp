@@ -10,7 +10,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-std::shared_ptr<std::vector<std::string>> recordChanges(ZRMOperation& operation) {
+std::shared_ptr<std::vector<std::string>> recordStates(ZRMOperation& operation) {
     auto changes = std::make_shared<std::vector<std::string>>();
     operation.addChangeObserver([changes](const std::string& key, bool isPrior) {
         changes->push_back((isPrior ? "will " : "did ") + key);
@@ -43,7 +43,7 @@ TEST(ZRMOperation, IsExecutingWhileItsBlockRuns) {
 
 TEST(ZRMOperation, AnnouncesExecutingThenFinished) {
     const auto operation = ZRMBlockOperation::blockOperationWithBlock([] {});
-    const auto changes = recordChanges(*operation);
+    const auto changes = recordStates(*operation);
     operation->start();
     EXPECT_THAT(*changes, ElementsAre("will isExecuting", "did isExecuting", "will isExecuting",
                                       "will isFinished", "did isExecuting", "did isFinished"));
@@ -52,7 +52,7 @@ TEST(ZRMOperation, AnnouncesExecutingThenFinished) {
 TEST(ZRMOperation, OnlyFinishesWhenItWasCancelledBefore) {
     int runs = 0;
     const auto operation = ZRMBlockOperation::blockOperationWithBlock([&] { ++runs; });
-    const auto changes = recordChanges(*operation);
+    const auto changes = recordStates(*operation);
     operation->cancel();
     EXPECT_FALSE(operation->isFinished());
     operation->start();
@@ -73,7 +73,7 @@ TEST(ZRMOperation, RunsOnce) {
 
 TEST(ZRMOperation, CancelAnnouncesItselfOnceAndHasNoEffectOnceFinished) {
     const auto operation = ZRMBlockOperation::blockOperationWithBlock([] {});
-    const auto changes = recordChanges(*operation);
+    const auto changes = recordStates(*operation);
     operation->cancel();
     operation->cancel();
     EXPECT_THAT(*changes, ElementsAre("will isCancelled", "did isCancelled"));

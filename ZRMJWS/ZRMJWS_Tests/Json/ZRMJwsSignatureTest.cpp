@@ -6,7 +6,7 @@
 
 namespace {
 
-ZRMDictionary dictionary(std::string_view text) {
+ZRMDictionary signatureJson(std::string_view text) {
     return boost::json::parse(boost::json::string_view(text.data(), text.size())).as_object();
 }
 
@@ -23,13 +23,13 @@ TEST(ZRMJwsSignature, KeepsItsValues) {
 }
 
 TEST(ZRMJwsSignature, ParsesAWellFormedDictionary) {
-    const auto signature = ZRMJwsSignature::jwsSignatureFromJson(
-        dictionary(R"({"signature":"c2ln","protected":"cHJv","header":{"x5c":["a"]},"more":1})"));
-    EXPECT_EQ(signature, ZRMJwsSignature("c2ln", "cHJv", dictionary(R"({"x5c":["a"]})")));
+    const auto signature = ZRMJwsSignature::jwsSignatureFromJson(signatureJson(
+        R"({"signature":"c2ln","protected":"cHJv","header":{"x5c":["a"]},"more":1})"));
+    EXPECT_EQ(signature, ZRMJwsSignature("c2ln", "cHJv", signatureJson(R"({"x5c":["a"]})")));
 }
 
 TEST(ZRMJwsSignature, ParsesEmptyTextsAlthoughTheyDoNotValidate) {
-    const auto json = dictionary(R"({"signature":"","protected":"","header":{}})");
+    const auto json = signatureJson(R"({"signature":"","protected":"","header":{}})");
     EXPECT_EQ(ZRMJwsSignature::jwsSignatureFromJson(json),
               ZRMJwsSignature("", "", ZRMDictionary()));
     EXPECT_EQ(ZRMJwsSignature::validateSignatureJson(json), ZRMJwsSignatureJsonInvalidValues);
@@ -48,7 +48,7 @@ TEST(ZRMJwsSignature, LogsTheFirstMemberThatDoesNotParse) {
     };
     for (const auto& [json, logged] : cases) {
         const ZRMRecordedLog log;
-        EXPECT_EQ(ZRMJwsSignature::jwsSignatureFromJson(dictionary(json)), std::nullopt) << json;
+        EXPECT_EQ(ZRMJwsSignature::jwsSignatureFromJson(signatureJson(json)), std::nullopt) << json;
         EXPECT_EQ(log.errors(), std::vector<std::string>{logged}) << json;
     }
 }
@@ -56,13 +56,13 @@ TEST(ZRMJwsSignature, LogsTheFirstMemberThatDoesNotParse) {
 TEST(ZRMJwsSignature, WritesAllThreeMembers) {
     const ZRMJwsSignature signature("c2ln", "cHJv", ZRMDictionary{{"kid", "1"}});
     EXPECT_EQ(ZRMJwsSignature::jsonFromJwsSignature(signature),
-              dictionary(R"({"signature":"c2ln","protected":"cHJv","header":{"kid":"1"}})"));
+              signatureJson(R"({"signature":"c2ln","protected":"cHJv","header":{"kid":"1"}})"));
 }
 
 TEST(ZRMJwsSignature, WritesNoHeaderWhenThereIsNoneAndThenDoesNotValidate) {
     const auto json =
         ZRMJwsSignature::jsonFromJwsSignature(ZRMJwsSignature("c2ln", "cHJv", std::nullopt));
-    EXPECT_EQ(json, dictionary(R"({"signature":"c2ln","protected":"cHJv"})"));
+    EXPECT_EQ(json, signatureJson(R"({"signature":"c2ln","protected":"cHJv"})"));
     EXPECT_EQ(ZRMJwsSignature::validateSignatureJson(json), ZRMJwsSignatureJsonInvalidHeader);
 }
 
@@ -81,7 +81,7 @@ TEST(ZRMJwsSignature, ValidatesProtectedThenSignatureThenHeader) {
         {R"({"protected":"p","signature":"s","header":{}})", 3},
     };
     for (const auto& [json, validity] : cases) {
-        EXPECT_EQ(ZRMJwsSignature::validateSignatureJson(dictionary(json)), validity) << json;
+        EXPECT_EQ(ZRMJwsSignature::validateSignatureJson(signatureJson(json)), validity) << json;
     }
 }
 

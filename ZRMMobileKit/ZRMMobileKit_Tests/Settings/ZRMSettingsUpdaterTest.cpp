@@ -17,7 +17,7 @@ using testing::IsEmpty;
 using testing::Not;
 
 constexpr const char* kPath = "/config/v1";
-constexpr double kDay = 86400;
+constexpr double kDaySeconds = 86400;
 
 class FakeTags final : public ZRMDeviceTagProvider {
   public:
@@ -113,12 +113,12 @@ TEST_F(ZRMSettingsUpdaterTest, IsNotNeededAfter23HoursAndIsAfter24HoursAndASecon
     const auto now = device_.now().secondsSince1970;
     setTimestamp(now - 23 * 3600);
     EXPECT_FALSE(makeUpdater()->isUpdateNeeded());
-    setTimestamp(now - kDay - 1);
+    setTimestamp(now - kDaySeconds - 1);
     EXPECT_TRUE(makeUpdater()->isUpdateNeeded());
 }
 
 TEST_F(ZRMSettingsUpdaterTest, IsNotNeededAtTheVeryMoment) {
-    setTimestamp(device_.now().secondsSince1970 - kDay);
+    setTimestamp(device_.now().secondsSince1970 - kDaySeconds);
     EXPECT_FALSE(makeUpdater()->isUpdateNeeded());
 }
 

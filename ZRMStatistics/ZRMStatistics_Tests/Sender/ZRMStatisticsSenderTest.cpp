@@ -8,7 +8,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr const char* kUrl = "https://risk.example.com/stat";
+constexpr const char* kSenderUrl = "https://risk.example.com/stat";
 
 class RecordedEnds final : public ZRMStatisticsSenderObserver {
   public:
@@ -58,7 +58,7 @@ class ZRMStatisticsSenderTest : public ZRMStatisticsDeviceTest {
   protected:
     ZRMStatisticsSenderTest() { makeSender(); }
 
-    void makeSender(const std::string& url = kUrl) {
+    void makeSender(const std::string& url = kSenderUrl) {
         sender_ = ZRMStatisticsSenderImpl::create(device_.platform(), url, headers_, time_);
         sender_->addObserver(ends_);
     }
@@ -99,7 +99,7 @@ TEST_F(ZRMStatisticsSenderTest, PostsTheBytesWithAllHeadersAndTellsItsObservers)
     ASSERT_EQ(device_.network().requests().size(), 1U);
     const auto& request = device_.network().requests()[0].request;
     EXPECT_EQ(request.method, "POST");
-    EXPECT_EQ(request.url, kUrl);
+    EXPECT_EQ(request.url, kSenderUrl);
     EXPECT_EQ(bodies(), std::vector<std::string>{"event"});
     EXPECT_EQ(header(0, "Content-Type"), "application/jose+json");
     EXPECT_EQ(header(0, "Content-Encoding"), "gzip");

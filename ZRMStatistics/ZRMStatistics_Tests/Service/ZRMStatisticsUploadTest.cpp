@@ -14,8 +14,8 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::UnorderedElementsAre;
 
-constexpr const char* kUrl = "https://risk.example.com/stat";
-constexpr double kDay = 86400;
+constexpr const char* kUploadUrl = "https://risk.example.com/stat";
+constexpr double kDaySeconds = 86400;
 
 class TagHeader final : public ZRMStatisticsCustomHeadersProvider {
   public:
@@ -28,7 +28,7 @@ class ZRMStatisticsUploadTest : public ZRMStatisticsDeviceTest {
   protected:
     void start() {
         service_ = ZRMStatisticsServiceFactory::createServiceWithUrl(
-            kUrl, "/device", headers_,
+            kUploadUrl, "/device", headers_,
             std::make_shared<ZRMServerTimeProvider>(device_.platform()->clock));
         service_->start();
     }
@@ -70,12 +70,12 @@ TEST_F(ZRMStatisticsUploadTest, EventArrivesOnceWithItsHeadersAndLeavesTheStore)
     device_.runUntilIdle();
     ASSERT_THAT(requested(), ElementsAre("login"));
     const auto& request = device_.network().requests()[0].request;
-    EXPECT_EQ(request.url, kUrl);
+    EXPECT_EQ(request.url, kUploadUrl);
     EXPECT_EQ(*request.headers.find("Content-Length"), std::to_string(request.body->size()));
     EXPECT_EQ(*request.headers.find("Mobile-UUID"), "tag");
     EXPECT_EQ(pending(), 0U);
     restartAndStart();
-    device_.advanceBy(kDay);
+    device_.advanceBy(kDaySeconds);
     EXPECT_THAT(requested(), ElementsAre("login"));
     EXPECT_THAT(errors(), IsEmpty());
 }
@@ -110,7 +110,7 @@ TEST_F(ZRMStatisticsUploadTest, ServerErrorThatLastsDeletesTheRecordAfterTheLast
     answerAlways(ZRMSimulatedAnswer::withStatus(500));
     start();
     send("login");
-    device_.advanceBy(4 * kDay);
+    device_.advanceBy(4 * kDaySeconds);
     EXPECT_EQ(requested().size(), 18U);
     EXPECT_EQ(pending(), 0U);
 }
@@ -120,7 +120,7 @@ TEST_F(ZRMStatisticsUploadTest, EventOfflineWaitsForTheNetwork) {
     device_.setConnected(false);
     device_.runUntilIdle();
     send("login");
-    device_.advanceBy(kDay);
+    device_.advanceBy(kDaySeconds);
     EXPECT_THAT(requested(), IsEmpty());
     device_.setConnected(true);
     device_.runUntilIdle();
@@ -145,7 +145,7 @@ TEST_F(ZRMStatisticsUploadTest, EventOfAProcessThatEndedOfflineIsSentByTheNextOn
     send("login");
     device_.runUntilIdle();
     stopProcess(ZRMSimulatedLoss::All);
-    device_.advanceBy(3 * kDay);
+    device_.advanceBy(3 * kDaySeconds);
     device_.setConnected(true);
     start();
     device_.runUntilIdle();
@@ -160,7 +160,7 @@ TEST_F(ZRMStatisticsUploadTest, EventOlderThanThirtyDaysIsDeletedUnsent) {
     device_.runUntilIdle();
     device_.network().forgetRequests();
     stopProcess();
-    device_.advanceBy(31 * kDay);
+    device_.advanceBy(31 * kDaySeconds);
     device_.network().setConnected(true);
     start();
     device_.runUntilIdle();
@@ -175,7 +175,7 @@ TEST_F(ZRMStatisticsUploadTest, EventThatFailedOnFourDaysIsDeletedUnsent) {
     device_.runUntilIdle();
     for (int day = 1; day <= 3; ++day) {
         stopProcess();
-        device_.advanceBy(kDay + 1);
+        device_.advanceBy(kDaySeconds + 1);
         start();
         device_.runUntilIdle();
         EXPECT_EQ(requested().size(), 1U + static_cast<std::size_t>(day));

@@ -2,8 +2,8 @@
 
 namespace {
 
-constexpr std::uint32_t kMagic32 = 0xcafebabe;
-constexpr std::uint32_t kMagic64 = 0xcafebabf;
+constexpr std::uint32_t kFatMagic32 = 0xcafebabe;
+constexpr std::uint32_t kFatMagic64 = 0xcafebabf;
 constexpr std::uint64_t kHeaderSize = 8;
 
 // Where an entry keeps its slice's place; the fields before it name the processor.
@@ -21,10 +21,10 @@ std::optional<std::vector<ZRMUniversalSlice>> zrm_slicesOfUniversalFile(const ZR
     constexpr auto kOrder = ZRMByteOrder::Big;  // of every universal header
     const auto magic = file.u32(0, kOrder);
     const auto count = file.u32(4, kOrder);
-    if (!magic || !count || (magic != kMagic32 && magic != kMagic64)) {
+    if (!magic || !count || (magic != kFatMagic32 && magic != kFatMagic64)) {
         return std::nullopt;
     }
-    const bool wide = magic == kMagic64;
+    const bool wide = magic == kFatMagic64;
     const auto& layout = wide ? kLayout64 : kLayout32;
     std::vector<ZRMUniversalSlice> slices;
     for (std::uint32_t index = 0; index < *count; ++index) {
