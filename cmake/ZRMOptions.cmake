@@ -44,7 +44,7 @@ target_compile_options(zrm_options INTERFACE
   $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety -Xclang -fno-pch-timestamp>)
 target_include_directories(zrm_options INTERFACE "${PROJECT_SOURCE_DIR}")
 
-# Merged sources compile in a third of the time. What one source names for itself alone, the next may
+# Merged sources compile in less than half of the time. What one source names for itself alone, the next may
 # shadow without harm; the same name twice does not compile.
 set(CMAKE_UNITY_BUILD_BATCH_SIZE 24)
 if(CMAKE_UNITY_BUILD)

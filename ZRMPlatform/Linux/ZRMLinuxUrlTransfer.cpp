@@ -21,7 +21,7 @@ std::chrono::nanoseconds timeout(double seconds) {
     return std::chrono::duration_cast<std::chrono::nanoseconds>(bounded);
 }
 
-std::string_view trimmed(std::string_view text) {
+std::string_view trimmedField(std::string_view text) {
     constexpr std::string_view kBlanks = " \t\r\n";
     const auto first = text.find_first_not_of(kBlanks);
     if (first == std::string_view::npos) {
@@ -187,7 +187,7 @@ bool ZRMLinuxUrlTransfer::takeHeadLine(std::string_view line) {
     if (!isHeadOpen_) {
         return true;
     }
-    if (trimmed(line).empty()) {
+    if (trimmedField(line).empty()) {
         isHeadOpen_ = false;
         long status = 0;
         curl_easy_getinfo(handle_, CURLINFO_RESPONSE_CODE, &status);
@@ -199,8 +199,8 @@ bool ZRMLinuxUrlTransfer::takeHeadLine(std::string_view line) {
     }
     const auto colon = line.find(':');
     if (!line.starts_with("HTTP/") && colon != std::string_view::npos) {
-        const auto name = trimmed(line.substr(0, colon));
-        const auto value = trimmed(line.substr(colon + 1));
+        const auto name = trimmedField(line.substr(0, colon));
+        const auto value = trimmedField(line.substr(colon + 1));
         const auto* const earlier = head_.headers.find(name);
         head_.headers.set(
             name, earlier == nullptr ? std::string(value) : *earlier + ", " + std::string(value));
