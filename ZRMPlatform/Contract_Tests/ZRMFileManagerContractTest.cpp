@@ -6,6 +6,8 @@
 #include "ZRMPlatform/Contract_Tests/ZRMContractBody.h"
 
 using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 
 namespace {
 
@@ -26,6 +28,31 @@ class ZRMFileManagerContract : public ZRMContract {
         auto handle = files().openForUpdating(path(name));
         EXPECT_TRUE(handle);
         return handle ? std::move(handle).value() : nullptr;
+    }
+    std::unique_ptr<ZRMFileReader> reader(const std::string& name) {
+        auto reader = files().openForReading(path(name));
+        EXPECT_TRUE(reader);
+        return reader ? std::move(reader).value() : nullptr;
+    }
+    // The text that one step yields.
+    static std::string step(ZRMFileReader& reader, std::size_t most) {
+        ZRMData buffer(most);
+        const auto count = reader.read(buffer);
+        EXPECT_TRUE(count);
+        buffer.resize(count ? count.value() : 0);
+        return zrm_textFromData(buffer);
+    }
+    // What is listed below the directory, relative to it, with "/" after directories.
+    std::vector<std::string> listed(const std::string& directory) {
+        const auto enumerator = files().enumeratorAtPath(directory);
+        EXPECT_TRUE(enumerator);
+        std::vector<std::string> names;
+        while (auto entry = enumerator.value()->next()) {
+            EXPECT_TRUE(entry->path.starts_with(directory + "/")) << entry->path;
+            names.push_back(entry->path.substr(directory.size() + 1) +
+                            (entry->isDirectory ? "/" : ""));
+        }
+        return names;
     }
     static std::int64_t codeOf(const ZRMError& error) {
         EXPECT_EQ(error.domain(), kZRMPosixErrorDomain);
@@ -247,6 +274,92 @@ TEST_P(ZRMFileManagerContract, AHandleStaysOnItsFileWhenThatIsMoved) {
     EXPECT_FALSE(files().moveItem(path("file"), path("moved")));
     EXPECT_FALSE(handle->write(zrm_dataFromText("2")));
     EXPECT_EQ(read("moved"), "2");
+}
+
+TEST_P(ZRMFileManagerContract, AReaderYieldsTheBytesInSteps) {
+    write("file", "0123456789");
+    const auto file = reader("file");
+    EXPECT_EQ(step(*file, 4), "0123");
+    EXPECT_EQ(step(*file, 4), "4567");
+    EXPECT_EQ(step(*file, 4), "89");
+    EXPECT_EQ(step(*file, 4), "");
+    EXPECT_EQ(step(*file, 4), "");
+}
+
+TEST_P(ZRMFileManagerContract, AReaderOfAnEmptyFileIsAtItsEnd) {
+    write("file", "");
+    EXPECT_EQ(step(*reader("file"), 1), "");
+}
+
+TEST_P(ZRMFileManagerContract, AReaderSeesWhatIsAppendedAndCutOff) {
+    write("file", "0123");
+    const auto first = reader("file");
+    const auto second = reader("file");
+    EXPECT_EQ(step(*first, 4), "0123");
+    EXPECT_EQ(step(*second, 2), "01");
+    const auto handle = open("file");
+    EXPECT_FALSE(handle->seekToEnd());
+    EXPECT_FALSE(handle->write(zrm_dataFromText("45")));
+    EXPECT_EQ(step(*first, 4), "45");
+    EXPECT_FALSE(handle->truncateAt(1));
+    EXPECT_EQ(step(*second, 4), "");
+}
+
+TEST_P(ZRMFileManagerContract, AReaderStaysOnAFileThatIsReplacedOrRemoved) {
+    write("replaced", "old");
+    write("removed", "gone");
+    const auto replaced = reader("replaced");
+    const auto removed = reader("removed");
+    write("replaced", "new");
+    EXPECT_FALSE(files().removeItem(path("removed")));
+    EXPECT_EQ(step(*replaced, 9), "old");
+    EXPECT_EQ(step(*removed, 9), "gone");
+}
+
+TEST_P(ZRMFileManagerContract, OnlyFilesAreOpenedForReading) {
+    EXPECT_EQ(codeOf(files().openForReading(path("nothing")).error()), ENOENT);
+    EXPECT_EQ(codeOf(files().openForReading(scratch_).error()), EISDIR);
+}
+
+TEST_P(ZRMFileManagerContract, EnumeratesAllThatIsBelowADirectory) {
+    EXPECT_FALSE(files().createDirectory(path("a/b/c")));
+    EXPECT_FALSE(files().createDirectory(path("empty")));
+    write("a/b/c/deep", "1");
+    write("a/b.txt", "2");
+    write("a.txt", "3");
+    write("\xc3\xa4 name", "4");
+    EXPECT_THAT(listed(scratch_),
+                UnorderedElementsAre("a/", "a/b/", "a/b/c/", "a/b/c/deep", "a/b.txt", "a.txt",
+                                     "empty/", "\xc3\xa4 name"));
+    EXPECT_THAT(listed(path("a/b")), ElementsAre("c/", "c/deep"));
+    EXPECT_THAT(listed(path("empty")), IsEmpty());
+}
+
+TEST_P(ZRMFileManagerContract, EnumeratesWhateverTheSlashesAtTheEndOfThePath) {
+    write("file", "1");
+    const auto enumerator = files().enumeratorAtPath(scratch_ + "//");
+    ASSERT_TRUE(enumerator);
+    const auto entry = enumerator.value()->next();
+    ASSERT_TRUE(entry);
+    EXPECT_EQ(entry->path, path("file"));
+    EXPECT_FALSE(enumerator.value()->next());
+    EXPECT_FALSE(enumerator.value()->next());
+}
+
+TEST_P(ZRMFileManagerContract, ListsADirectoryBeforeWhatItHoldsAndLeavesOutWhatIsGoneByThen) {
+    EXPECT_FALSE(files().createDirectory(path("a")));
+    write("a/file", "1");
+    const auto enumerator = files().enumeratorAtPath(scratch_);
+    ASSERT_TRUE(enumerator);
+    EXPECT_EQ(enumerator.value()->next()->path, path("a"));
+    EXPECT_FALSE(files().removeItem(path("a")));
+    EXPECT_FALSE(enumerator.value()->next());
+}
+
+TEST_P(ZRMFileManagerContract, EnumeratingWhatIsNoDirectoryIsAnError) {
+    write("file", "1");
+    EXPECT_EQ(codeOf(files().enumeratorAtPath(path("nothing")).error()), ENOENT);
+    EXPECT_EQ(codeOf(files().enumeratorAtPath(path("file")).error()), ENOTDIR);
 }
 
 TEST_P(ZRMFileManagerContract, FilesSurviveTheProcess) {

@@ -11,7 +11,9 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include "ZRMPlatform/Linux/ZRMLinuxDirectoryEnumerator.h"
 #include "ZRMPlatform/Linux/ZRMLinuxFileHandle.h"
+#include "ZRMPlatform/Linux/ZRMLinuxFileReader.h"
 #include "ZRMPlatform/Linux/ZRMLinuxPosix.h"
 
 namespace {
@@ -288,4 +290,14 @@ ZRMResult<std::unique_ptr<ZRMFileHandle>> ZRMLinuxFileManager::openForUpdating(
     }
     return std::unique_ptr<ZRMFileHandle>(
         std::make_unique<ZRMLinuxFileHandle>(std::move(file), path));
+}
+
+ZRMResult<std::unique_ptr<ZRMFileReader>> ZRMLinuxFileManager::openForReading(
+    const std::string& path) const {
+    return isUsable(path) ? zrm_openLinuxFileReader(path) : unusable(path);
+}
+
+ZRMResult<std::unique_ptr<ZRMDirectoryEnumerator>> ZRMLinuxFileManager::enumeratorAtPath(
+    const std::string& path) const {
+    return isUsable(path) ? zrm_makeLinuxDirectoryEnumerator(path) : unusable(path);
 }

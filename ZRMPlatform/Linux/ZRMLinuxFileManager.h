@@ -21,4 +21,8 @@ class ZRMLinuxFileManager : public ZRMFileManager {
     ZRMResult<ZRMDate> creationDate(const std::string& path) const override;
     std::optional<ZRMError> excludeFromBackup(const std::string& path) override;
     ZRMResult<std::unique_ptr<ZRMFileHandle>> openForUpdating(const std::string& path) override;
+    ZRMResult<std::unique_ptr<ZRMFileReader>> openForReading(
+        const std::string& path) const override;
+    ZRMResult<std::unique_ptr<ZRMDirectoryEnumerator>> enumeratorAtPath(
+        const std::string& path) const override;
 };

@@ -1,5 +1,7 @@
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <functional>
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -42,6 +44,20 @@ std::size_t countOf(const std::string& directory) {
 
 class ZRMLinuxFileManagerTest : public testing::Test {
   protected:
+    // What is listed below the test's directory, relative to it, sorted, with "/" after
+    // directories.
+    std::vector<std::string> listed() {
+        const auto enumerator = files_.enumeratorAtPath(directory_.path());
+        EXPECT_TRUE(enumerator);
+        std::vector<std::string> names;
+        while (const auto entry = enumerator.value()->next()) {
+            names.push_back(entry->path.substr(directory_.path().size() + 1) +
+                            (entry->isDirectory ? "/" : ""));
+        }
+        std::ranges::sort(names);
+        return names;
+    }
+
     ZRMTestDirectory directory_;
     ZRMLinuxFileManager files_;
 };
@@ -252,4 +268,111 @@ TEST_F(ZRMLinuxFileManagerTest, AFullDiskIsAnErrorOfTheWrite) {
     auto opened = files_.openForUpdating("/dev/full");
     ASSERT_TRUE(opened);
     EXPECT_EQ(codeOf(opened.value()->write(zrm_dataFromText("x"))), ENOSPC);
+}
+
+TEST_F(ZRMLinuxFileManagerTest, OnlyRegularFilesAreOpenedForReadingAndAFifoDoesNotBlock) {
+    const auto fifo = directory_.below("fifo");
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    std::filesystem::create_symlink(fifo, directory_.below("link"));
+    EXPECT_EQ(codeOf(files_.openForReading(fifo)), EINVAL);
+    EXPECT_EQ(codeOf(files_.openForReading(directory_.below("link"))), EINVAL);
+    EXPECT_EQ(codeOf(files_.openForReading("/dev/zero")), EINVAL);
+    EXPECT_EQ(codeOf(files_.openForReading("")), ENOENT);
+    EXPECT_EQ(codeOf(files_.openForReading(directory_.below(std::string("a\0b", 3)))), EINVAL);
+    EXPECT_EQ(codeOf(files_.openForReading("/proc/self/status")), 0);
+}
+
+TEST_F(ZRMLinuxFileManagerTest, OpensAFileByAPathThatIsTooLongForTheSystem) {
+    auto path = directory_.path();
+    directory_.writeFile("file", "x");
+    while (path.size() < 3 * 4096) {
+        path += "/././../" + directory_.path().substr(directory_.path().rfind('/') + 1);
+    }
+    EXPECT_EQ(codeOf(files_.openForReading(path + "/file")), 0);
+    EXPECT_EQ(codeOf(files_.openForReading(path + "/none")), ENOENT);
+    EXPECT_EQ(codeOf(files_.openForReading(path)), EISDIR);
+    EXPECT_EQ(codeOf(files_.openForReading(path + std::string(5000, '/'))), EISDIR);
+    EXPECT_EQ(codeOf(files_.openForReading(path + "/" + std::string(5000, 'n'))), ENAMETOOLONG);
+    EXPECT_EQ(codeOf(files_.openForReading("/" + std::string(5000, 'n'))), ENAMETOOLONG);
+}
+
+TEST_F(ZRMLinuxFileManagerTest, LinksAreListedAndNotFollowed) {
+    directory_.writeFile("folder/file", "");
+    std::filesystem::create_symlink(directory_.path(), directory_.below("folder/loop"));
+    std::filesystem::create_symlink("none", directory_.below("dangling"));
+    EXPECT_EQ(listed(),
+              (std::vector<std::string>{"dangling", "folder/", "folder/file", "folder/loop"}));
+}
+
+TEST_F(ZRMLinuxFileManagerTest, ADirectoryThatIsReplacedByALinkIsNotEntered) {
+    directory_.writeFile("folder/file", "");
+    const auto enumerator = files_.enumeratorAtPath(directory_.path());
+    ASSERT_TRUE(enumerator);
+    ASSERT_TRUE(enumerator.value()->next()->isDirectory);
+    std::filesystem::remove_all(directory_.below("folder"));
+    std::filesystem::create_symlink("/", directory_.below("folder"));
+    const auto entry = enumerator.value()->next();
+    EXPECT_TRUE(!entry || !entry->path.starts_with(directory_.below("folder/")));
+}
+
+TEST_F(ZRMLinuxFileManagerTest, ListsATreeThatIsDeeperThanItKeepsOpen) {
+    constexpr int kDepth = 50;
+    std::vector<std::string> expected;
+    std::string path;
+    for (int depth = 0; depth < kDepth; ++depth) {
+        path += "d/";
+        expected.push_back(path);
+        for (const auto* const name : {"a", "z"}) {
+            directory_.writeFile(path + name, "");
+            expected.push_back(path + name);
+        }
+    }
+    std::ranges::sort(expected);
+    EXPECT_EQ(listed(), expected);
+}
+
+// A tree whose lower part is moved away while it is listed.
+class ZRMLinuxMovedTree : public ZRMLinuxFileManagerTest {
+  protected:
+    ZRMLinuxMovedTree() {
+        std::string path = "top/";
+        directory_.writeFile("top/file", "");
+        for (int depth = 0; depth < 40; ++depth) {
+            path += "d/";
+        }
+        directory_.writeFile(path + "file", "");
+    }
+    // The number of entries, with that done once the lowest file was listed.
+    std::size_t countOfEntries(const std::function<void()>& atTheBottom) {
+        const auto enumerator = files_.enumeratorAtPath(directory_.path());
+        EXPECT_TRUE(enumerator);
+        std::size_t count = 0;
+        while (const auto entry = enumerator.value()->next()) {
+            ++count;
+            if (entry->path.ends_with("d/file")) {
+                atTheBottom();
+            }
+        }
+        EXPECT_FALSE(enumerator.value()->next());
+        return count;
+    }
+    void moveAway(const std::string& relative, const std::string& name) {
+        std::filesystem::rename(directory_.below(relative), elsewhere_.below(name));
+    }
+
+    static constexpr std::size_t kEntries = 43;
+    ZRMTestDirectory elsewhere_;
+};
+
+TEST_F(ZRMLinuxMovedTree, IsListedWhereTheWayBackIsStillThere) {
+    EXPECT_EQ(countOfEntries([this] { moveAway("top/d/d", "d"); }), kEntries);
+}
+
+TEST_F(ZRMLinuxMovedTree, EndsTheListingWhereTheWayBackIsGone) {
+    const auto count = countOfEntries([this] {
+        moveAway("top/d/d", "d");
+        moveAway("top", "top");
+    });
+    EXPECT_GE(count, kEntries - 1);  // all but what lay beside the way
+    EXPECT_LE(count, kEntries);
 }

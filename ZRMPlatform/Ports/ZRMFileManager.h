@@ -1,6 +1,7 @@
 // Files and directories.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -24,6 +25,32 @@ class ZRMFileHandle {
     virtual std::optional<ZRMError> truncateAt(std::uint64_t offset) = 0;
     // Returns once the file's bytes are on stable storage.
     virtual std::optional<ZRMError> synchronize() = 0;
+};
+
+// An open file, read from its beginning on; used by one thread at a time; destruction closes it.
+class ZRMFileReader {
+  public:
+    virtual ~ZRMFileReader() = default;
+    // How many of the bytes that follow were put into the buffer, which is not empty; 0 at the end.
+    // A file that is changed meanwhile yields what it then holds.
+    virtual ZRMResult<std::size_t> read(std::span<std::uint8_t> buffer) = 0;
+};
+
+struct ZRMDirectoryEntry {
+    std::string path;  // the enumerated directory's, "/", and the names on the way
+    bool isDirectory = false;
+};
+
+// Lists all that is below a directory, at any depth. A symbolic link is listed as an entry that is
+// no directory, wherever it leads, and is not followed. Memory depends on the depth alone. Used by
+// one thread at a time.
+class ZRMDirectoryEnumerator {
+  public:
+    virtual ~ZRMDirectoryEnumerator() = default;
+    // In an order of the body's own, a directory before what it holds; absent at the end. What a
+    // directory holds is left out when it cannot be listed. Entries that come or go meanwhile may
+    // be listed or not.
+    virtual std::optional<ZRMDirectoryEntry> next() = 0;
 };
 
 // Errors are in kZRMPosixErrorDomain. May be called from any thread; every call may block on the
@@ -54,6 +81,13 @@ class ZRMFileManager {
     virtual std::optional<ZRMError> excludeFromBackup(const std::string& path) = 0;
     // For reading and writing; the file must exist.
     virtual ZRMResult<std::unique_ptr<ZRMFileHandle>> openForUpdating(const std::string& path) = 0;
+    // Regular files only, through links and however long the path: EISDIR for a directory, EINVAL
+    // for what else there is. Never waits for a writer.
+    virtual ZRMResult<std::unique_ptr<ZRMFileReader>> openForReading(
+        const std::string& path) const = 0;
+    // A path that is itself a link to a directory is followed.
+    virtual ZRMResult<std::unique_ptr<ZRMDirectoryEnumerator>> enumeratorAtPath(
+        const std::string& path) const = 0;
 };
 
 // Where the application keeps its files; absolute paths without a trailing slash. The directories

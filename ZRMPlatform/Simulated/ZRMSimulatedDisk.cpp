@@ -244,6 +244,11 @@ int ZRMSimulatedDisk::list(const std::string& path, std::vector<std::string>& na
     return 0;
 }
 
+std::optional<std::string> ZRMSimulatedDisk::pathAfter(const std::string& text) const {
+    const auto node = nodes_.upper_bound(text);
+    return node == nodes_.end() ? std::nullopt : std::optional(node->first);
+}
+
 int ZRMSimulatedDisk::excludeFromBackup(const std::string& path) {
     const auto found = nodes_.find(normalized(path));
     if (found == nodes_.end()) {

@@ -5,6 +5,7 @@
 #include <limits>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -66,6 +67,8 @@ class ZRMSimulatedDisk {
     int created(const std::string& path, ZRMDate& date) const;
     // The names directly in the directory, sorted.
     int list(const std::string& path, std::vector<std::string>& names) const;
+    // The first path in the order of bytes that comes after that text.
+    [[nodiscard]] std::optional<std::string> pathAfter(const std::string& text) const;
     int excludeFromBackup(const std::string& path);
 
     // The process is gone: unsynced bytes fare as told.

@@ -3,7 +3,9 @@
 #include <cerrno>
 #include <utility>
 
+#include "ZRMPlatform/Simulated/ZRMSimulatedDirectoryEnumerator.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedFileHandle.h"
+#include "ZRMPlatform/Simulated/ZRMSimulatedFileReader.h"
 
 namespace {
 
@@ -153,4 +155,34 @@ ZRMResult<std::unique_ptr<ZRMFileHandle>> ZRMSimulatedFileManager::openForUpdati
     }
     return std::unique_ptr<ZRMFileHandle>(std::make_unique<ZRMSimulatedFileHandle>(
         disk_, process_, std::move(file), ZRMSimulatedDisk::normalized(path)));
+}
+
+ZRMResult<std::unique_ptr<ZRMFileReader>> ZRMSimulatedFileManager::openForReading(
+    const std::string& path) const {
+    int error = judge(Operation::Open, path);
+    std::shared_ptr<ZRMSimulatedFile> file;
+    if (error == 0) {
+        error = disk_->find(path, file);
+    }
+    if (error != 0) {
+        return *zrm_simulatedPosixError(error);
+    }
+    return std::unique_ptr<ZRMFileReader>(std::make_unique<ZRMSimulatedFileReader>(
+        disk_, process_, std::move(file), ZRMSimulatedDisk::normalized(path)));
+}
+
+ZRMResult<std::unique_ptr<ZRMDirectoryEnumerator>> ZRMSimulatedFileManager::enumeratorAtPath(
+    const std::string& path) const {
+    int error = judge(Operation::Read, path);
+    if (error == 0 && !disk_->holdsDirectory(path)) {
+        error = disk_->holdsFile(path) ? ENOTDIR : ENOENT;
+    }
+    if (error != 0) {
+        return *zrm_simulatedPosixError(error);
+    }
+    return std::unique_ptr<ZRMDirectoryEnumerator>(
+        std::make_unique<ZRMSimulatedDirectoryEnumerator>(
+            disk_, path, [disk = disk_, process = process_](const std::string& directory) {
+                return process->isAlive() ? disk->judge(Operation::Read, directory) : EIO;
+            }));
 }

@@ -29,6 +29,10 @@ class ZRMSimulatedFileManager final : public ZRMFileManager {
     ZRMResult<ZRMDate> creationDate(const std::string& path) const override;
     std::optional<ZRMError> excludeFromBackup(const std::string& path) override;
     ZRMResult<std::unique_ptr<ZRMFileHandle>> openForUpdating(const std::string& path) override;
+    ZRMResult<std::unique_ptr<ZRMFileReader>> openForReading(
+        const std::string& path) const override;
+    ZRMResult<std::unique_ptr<ZRMDirectoryEnumerator>> enumeratorAtPath(
+        const std::string& path) const override;
 
   private:
     [[nodiscard]] int judge(ZRMSimulatedDiskOperation operation, const std::string& path) const;

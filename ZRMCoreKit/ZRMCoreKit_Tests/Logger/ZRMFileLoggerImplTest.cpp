@@ -51,6 +51,8 @@ class MockFileManager : public ZRMFileManager {
   public:
     using Names = ZRMResult<std::vector<std::string>>;
     using Handle = ZRMResult<std::unique_ptr<ZRMFileHandle>>;
+    using Reader = ZRMResult<std::unique_ptr<ZRMFileReader>>;
+    using Enumerator = ZRMResult<std::unique_ptr<ZRMDirectoryEnumerator>>;
     MOCK_METHOD(bool, fileExists, (const std::string&), (const, override));
     MOCK_METHOD(bool, directoryExists, (const std::string&), (const, override));
     MOCK_METHOD(Names, contentsOfDirectory, (const std::string&), (const, override));
@@ -65,6 +67,8 @@ class MockFileManager : public ZRMFileManager {
     MOCK_METHOD(ZRMResult<ZRMDate>, creationDate, (const std::string&), (const, override));
     MOCK_METHOD(std::optional<ZRMError>, excludeFromBackup, (const std::string&), (override));
     MOCK_METHOD(Handle, openForUpdating, (const std::string&), (override));
+    MOCK_METHOD(Reader, openForReading, (const std::string&), (const, override));
+    MOCK_METHOD(Enumerator, enumeratorAtPath, (const std::string&), (const, override));
 };
 
 class ZRMFileLoggerImplTest : public testing::Test {
