@@ -1,12 +1,12 @@
 #include "Benchmarks/ZRMCodeSignatureBenchmark.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
 
 #include <dlfcn.h>
 
+#include "Benchmarks/ZRMBenchmarkSupport.h"
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 #include "ZRMSystemWatcher/ZRMSystemWatcher_Lib/CodeSignatureWatcher/ZRMCodeSignatureWatcher.h"
 #include "ZRMSystemWatcher/ZRMSystemWatcher_Lib/DyldWatcher/ZRMDyldWatcher.h"
@@ -18,37 +18,6 @@ constexpr std::uint32_t kCodeBytes = 64 * 1024 * 1024;
 constexpr int kRuns = 5;
 constexpr int kImages = 100;
 constexpr double kMebibyte = 1024.0 * 1024.0;
-
-class TemporaryFolder {
-  public:
-    TemporaryFolder() {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "zrm-bench-XXXXXX").string();
-        if (mkdtemp(pattern.data()) == nullptr) {
-            throw std::runtime_error("no temporary folder");
-        }
-        path_ = pattern;
-    }
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    [[nodiscard]] std::string operator/(const std::string& name) const {
-        return path_ + "/" + name;
-    }
-
-  private:
-    std::string path_;
-};
-
-void mustRun(const std::string& command) {
-    if (std::system(command.c_str()) != 0) {
-        throw std::runtime_error("failed: " + command);
-    }
-}
 
 // Both descriptors with all their hashes; the bytes that the hash texts take.
 std::size_t hashAll(const ZRMCodeSignatureWatcher& watcher, const ZRMData& image) {
@@ -78,15 +47,15 @@ ZRMFigures zrm_measureCodeSignature() {
     const auto image =
         zrm_writeSignedImage({.codeSize = kCodeBytes, .codeDirectories = {{.hashType = 1}, {}}})
             .bytes;
-    const TemporaryFolder folder;
+    const ZRMBenchmarkFolder folder;
     const auto path = folder / "image";
     std::ofstream(path, std::ios::binary)
         .write(reinterpret_cast<const char*>(image.data()), kCodeBytes);
 
     const auto ours = zrm_medianSeconds(kRuns, [&] { hashAll(watcher, image); });
     const auto theirs = zrm_medianSeconds(kRuns, [&] {
-        mustRun("openssl dgst -sha256 " + path + " >/dev/null");
-        mustRun("openssl dgst -sha1 " + path + " >/dev/null");
+        zrm_mustRun("openssl dgst -sha256 " + path + " >/dev/null");
+        zrm_mustRun("openssl dgst -sha1 " + path + " >/dev/null");
     });
     std::size_t hashBytes = 0;
     const auto peak = zrm_peakHeapBytes([&] { hashBytes = hashAll(watcher, image); });
@@ -102,7 +71,7 @@ ZRMFigures zrm_measureCodeSignature() {
 ZRMFigures zrm_measureLoadedImages() {
     // Copies of a small system library, each an image of its own.
     constexpr const char* kSmallLibrary = "/lib/x86_64-linux-gnu/libBrokenLocale.so.1";
-    const TemporaryFolder folder;
+    const ZRMBenchmarkFolder folder;
     std::vector<void*> libraries;
     for (int index = 0; index < kImages; ++index) {
         const auto copy = folder / ("image" + std::to_string(index) + ".so");

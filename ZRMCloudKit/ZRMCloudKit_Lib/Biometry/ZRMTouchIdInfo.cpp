@@ -18,6 +18,18 @@ constexpr const char* kDomainStateKey = "domainState";
 ZRMTouchIdInfo::ZRMTouchIdInfo(bool supported, bool enabled, std::optional<ZRMData> domainState)
     : supported_(supported), enabled_(enabled), domainState_(std::move(domainState)) {}
 
+ZRMTouchIdInfo ZRMTouchIdInfo::currentTouchIdInfo(
+    const ZRMLocalAuthentication& localAuthentication) {
+    auto evaluation = localAuthentication.evaluateBiometrics();
+    if (evaluation.canEvaluate) {
+        return {true, true, std::move(evaluation.domainState)};
+    }
+    const auto& error = evaluation.error;
+    const bool supported = error && error->domain() == kZRMLocalAuthenticationErrorDomain &&
+                           error->code() != ZRMLocalAuthenticationErrorBiometryNotAvailable;
+    return {supported, false, std::nullopt};
+}
+
 ZRMArchiveObject ZRMTouchIdInfo::encode() const {
     ZRMArchiveObject object{kClassName, {{kSupportedKey, supported_}, {kEnabledKey, enabled_}}};
     if (domainState_) {

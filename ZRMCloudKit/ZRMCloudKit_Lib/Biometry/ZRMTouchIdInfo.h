@@ -6,12 +6,17 @@
 
 #include "ZRMPlatform/Ports/Values/ZRMData.h"
 #include "ZRMPlatform/Ports/ZRMKeyedArchive.h"
+#include "ZRMPlatform/Ports/ZRMLocalAuthentication.h"
 
 // An immutable value.
 class ZRMTouchIdInfo {
   public:
     // `domainState` is opaque and changes whenever the enrolled fingers or faces change.
     ZRMTouchIdInfo(bool supported, bool enabled, std::optional<ZRMData> domainState);
+
+    // As it is now. A sensor that could be used but for an enrolment or a lock-out is supported; an
+    // error of another domain than the authentication service's says nothing about the sensor.
+    static ZRMTouchIdInfo currentTouchIdInfo(const ZRMLocalAuthentication& localAuthentication);
 
     [[nodiscard]] bool isSupported() const { return supported_; }
     [[nodiscard]] bool isEnabled() const { return enabled_; }

@@ -1,7 +1,10 @@
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Detectors/ZRMCloudKitDetectors.h"
 
+#include "ZRMCloudKit/ZRMCloudKit_Lib/Biometry/ZRMTouchIdSensor.h"
+#include "ZRMCloudKit/ZRMCloudKit_Lib/BundleHash/ZRMMd5Hasher.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/CallObserver/ZRMCallObserver.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Detectors/ZRMFingerprintSource.h"
+#include "ZRMCloudKit/ZRMCloudKit_Lib/Location/ZRMDeviceLocator.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Network/ZRMVPNDetector.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/ScreenCapture/ZRMScreenRecordingDetector.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/ScreenCapture/ZRMScreenShotDetector.h"
@@ -38,6 +41,14 @@ ZRMCloudKitDetectors zrm_makeCloudKitDetectors(const std::shared_ptr<const ZRMPl
     detectors.makeVpnDetector = [platform] {
         return std::make_shared<ZRMVPNDetector>(platform->networkInterfaces,
                                                 platform->notifications);
+    };
+    detectors.bundleHasher =
+        std::make_shared<ZRMMd5Hasher>(platform->fileManager, platform->digests);
+    detectors.touchId = std::make_shared<ZRMTouchIdSensor>(platform->localAuthentication);
+    detectors.makeDeviceLocator = [platform](double accuracy, double maxDetectionDuration) {
+        return ZRMDeviceLocator::deviceLocatorWithLocationManager(
+            platform, platform->locationServices->makeLocationManager(accuracy),
+            maxDetectionDuration);
     };
     detectors.makeSecureDeviceTagProvider =
         [platform](const ZRMSecureDeviceTagParameters& parameters) {

@@ -41,6 +41,14 @@ std::shared_ptr<ZRMFingerprintEvent> ZRMEventProvider::fingerprintEventWithBundl
         std::move(ipAddressV6), commonParametersProvider());
 }
 
+std::shared_ptr<ZRMIOSGeoLocationEvent> ZRMEventProvider::coordinatesEventWithLocation(
+    const std::optional<ZRMLocation>& location,
+    std::shared_ptr<const ZRMReachabilityInspector> reachabilityInspector,
+    bool locationServicesEnabled) const {
+    return make<ZRMIOSGeoLocationEvent>(location, std::move(reachabilityInspector),
+                                        locationServicesEnabled);
+}
+
 std::shared_ptr<ZRMTouchIdChangedEvent> ZRMEventProvider::touchIdChangedEventWithSupported(
     bool supported, bool enabled, bool changed) const {
     return make<ZRMTouchIdChangedEvent>(supported, enabled, changed);

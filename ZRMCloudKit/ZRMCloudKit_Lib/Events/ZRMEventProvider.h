@@ -11,6 +11,7 @@
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Catalogue/ZRMCallInfoEvent.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Catalogue/ZRMConfigEvent.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Catalogue/ZRMDeviceJailbreakEvent.h"
+#include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Catalogue/ZRMIOSGeoLocationEvent.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Catalogue/ZRMLogDataEvent.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Catalogue/ZRMScreenRecordingEvent.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Events/Catalogue/ZRMScreenshotEvent.h"
@@ -47,6 +48,11 @@ class ZRMEventProvider {
         std::shared_ptr<const ZRMMainBundle> bundle,
         std::optional<ZRMWifiNodeDescriptor> wifiNodeDescriptor,
         std::optional<ZRMIpAddress> ipAddressV4, std::optional<ZRMIpAddress> ipAddressV6) const;
+    // The location may be absent.
+    [[nodiscard]] std::shared_ptr<ZRMIOSGeoLocationEvent> coordinatesEventWithLocation(
+        const std::optional<ZRMLocation>& location,
+        std::shared_ptr<const ZRMReachabilityInspector> reachabilityInspector,
+        bool locationServicesEnabled) const;
     [[nodiscard]] std::shared_ptr<ZRMTouchIdChangedEvent> touchIdChangedEventWithSupported(
         bool supported, bool enabled, bool changed) const;
     [[nodiscard]] std::shared_ptr<ZRMDeviceJailbreakEvent> jailbreakEventWithDetectorCollection(

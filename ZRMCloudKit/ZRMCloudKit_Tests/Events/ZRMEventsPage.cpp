@@ -74,7 +74,11 @@ std::string sectionsOfTheHostsReports() {
            sectionOf<ZRMUserLogoutEvent>(kZRMEventPriorityUser,
                                          "Sent when the host reports a logout.") +
            sectionOf<ZRMSessionIdEvent>(kZRMEventPriorityUsual,
-                                        "Sent when the host names its session.");
+                                        "Sent when the host names its session.") +
+           sectionOf<ZRMIOSGeoLocationEvent>(
+               kZRMEventPriorityUser,
+               "Sent when the host asks for a report of the location, found or not.",
+               partOf("The object \"location\"", ZRMIOSGeoLocationEvent::locationFields()));
 }
 
 std::string sectionsOfTheLibrary() {

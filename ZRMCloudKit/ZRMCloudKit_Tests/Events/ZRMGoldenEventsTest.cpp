@@ -133,6 +133,14 @@ TEST_F(ZRMGoldenEvents, ApplicationInfo) {
     expectGolden("ApplicationInfoEvent");
 }
 
+TEST_F(ZRMGoldenEvents, GeoLocation) {
+    device_.location().setStatus(ZRMLocationAuthorizationWhenInUse);
+    core_->sendDeviceCoordinatesWithAccuracy(10, 10, [](const auto&) {});
+    device_.runUntilIdle();
+    device_.location().deliver({{48.208174, 16.373819, 8.5}});
+    expectGolden("IOSGeoLocationEvent");
+}
+
 TEST_F(ZRMGoldenEvents, Screenshot) {
     core_->sendScreenshotEvent();
     device_.runUntilIdle();

@@ -1,0 +1,7 @@
+// Measures the digest over the files of a bundle.
+#pragma once
+
+#include "Benchmarks/ZRMBenchmark.h"
+
+ZRMFigures zrm_measureBundleHashSpeed();
+ZRMFigures zrm_measureBundleHashMemory();
