@@ -110,9 +110,15 @@ class LinuxDirectoryEnumerator final : public ZRMDirectoryEnumerator {
         level.pathLength = path_.size();
         levels_.push_back(std::move(level));
         if (levels_.size() > kZRMLinuxOpenLevels) {
-            auto& above = levels_[levels_.size() - 1 - kZRMLinuxOpenLevels];
-            above.position = ::telldir(above.stream.get());
-            above.stream.reset();
+            close(levels_[levels_.size() - 1 - kZRMLinuxOpenLevels]);
+        }
+    }
+
+    // It may be closed already, from an earlier way down.
+    static void close(Level& level) {
+        if (level.stream) {
+            level.position = ::telldir(level.stream.get());
+            level.stream.reset();
         }
     }
 

@@ -331,6 +331,26 @@ TEST_F(ZRMLinuxFileManagerTest, ListsATreeThatIsDeeperThanItKeepsOpen) {
     EXPECT_EQ(listed(), expected);
 }
 
+TEST_F(ZRMLinuxFileManagerTest, GoesDownAgainFromDirectoriesItHadClosed) {
+    std::vector<std::string> expected;
+    std::string stem;
+    for (int depth = 0; depth < 30; ++depth) {
+        stem += "d/";
+        expected.push_back(stem);
+    }
+    for (const auto* const branch : {"x/", "y/", "z/"}) {
+        auto path = stem;
+        for (int depth = 0; depth < 30; ++depth) {
+            path += branch;
+            expected.push_back(path);
+        }
+        directory_.writeFile(path + "file", "");
+        expected.push_back(path + "file");
+    }
+    std::ranges::sort(expected);
+    EXPECT_EQ(listed(), expected);
+}
+
 // A tree whose lower part is moved away while it is listed.
 class ZRMLinuxMovedTree : public ZRMLinuxFileManagerTest {
   protected:

@@ -53,7 +53,7 @@ TEST_F(ZRMCloudKitDetectorsTest, SendTheBundlesDigestOnceAnInterval) {
     device_.advanceBy(1);
     sendApplicationMd5();
     ASSERT_THAT(service_->sent, SizeIs(2));
-    EXPECT_EQ(sentBody(1).at("applicationMd5"), std::string(32, '0'));
+    EXPECT_EQ(sentBody(1).at("applicationMd5"), "00000000000000000000000000000000");
 }
 
 TEST_F(ZRMCloudKitDetectorsTest, SendNoDigestOfABundleWithoutFilesAndTryAgainNextTime) {
