@@ -125,7 +125,7 @@ class DeepTree {
     DeepTree& operator=(const DeepTree&) = delete;
 
   private:
-    static constexpr int kDepth = 3000;
+    static constexpr int kDepth = 1200;
     static constexpr const char* kName = "level";
 
     void move(const char* name) {

@@ -3,6 +3,7 @@
 
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -59,7 +60,7 @@ TEST_F(ZRMCloudKitDetectorsTest, SendTheBundlesDigestOnceAnInterval) {
 TEST_F(ZRMCloudKitDetectorsTest, SendNoDigestOfABundleWithoutFilesAndTryAgainNextTime) {
     sendApplicationMd5();
     EXPECT_THAT(service_->sent, IsEmpty());
-    EXPECT_THAT(log_.verboses(), ElementsAre("Application bundle md5 data is nil"));
+    EXPECT_THAT(log_.verboses(), Contains("Application bundle md5 data is nil"));
     put("Host", "a");
     sendApplicationMd5();
     EXPECT_THAT(sentTypes(), ElementsAre("ApplicationInfoEvent"));
