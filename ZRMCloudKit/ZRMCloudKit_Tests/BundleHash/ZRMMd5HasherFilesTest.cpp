@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr const char* kMd5OfAbc = "900150983cd24fb0d6963f7d28e17f72";
+constexpr const char* kHashOfAbc = "900150983cd24fb0d6963f7d28e17f72";
 
 class ZRMMd5HasherFiles : public testing::Test {
   protected:
@@ -37,7 +37,7 @@ TEST_F(ZRMMd5HasherFiles, ALinkToAFileCountsWithTheFilesContent) {
     const ZRMTestDirectory elsewhere;
     elsewhere.writeFile("file", "abc");
     link(elsewhere.below("file"), "link");
-    EXPECT_EQ(ofBundle(), kMd5OfAbc);
+    EXPECT_EQ(ofBundle(), kHashOfAbc);
     directory_.writeFile("same", "abc");
     EXPECT_EQ(ofBundle(), std::string(32, '0'));
 }
@@ -47,7 +47,7 @@ TEST_F(ZRMMd5HasherFiles, ALinkToADirectoryIsNotFollowed) {
     elsewhere.writeFile("file", "other");
     directory_.writeFile("abc", "abc");
     link(elsewhere.path(), "link");
-    EXPECT_EQ(ofBundle(), kMd5OfAbc);
+    EXPECT_EQ(ofBundle(), kHashOfAbc);
 }
 
 TEST_F(ZRMMd5HasherFiles, LinksInACircleOrIntoNothingArePassedOver) {
@@ -58,7 +58,7 @@ TEST_F(ZRMMd5HasherFiles, LinksInACircleOrIntoNothingArePassedOver) {
     link(directory_.path(), "folder/root");
     link("..", "folder/parent");
     link("missing", "dangling");
-    EXPECT_EQ(ofBundle(), kMd5OfAbc);
+    EXPECT_EQ(ofBundle(), kHashOfAbc);
 }
 
 TEST_F(ZRMMd5HasherFiles, ABundleThatIsItselfALinkIsFollowed) {
@@ -67,7 +67,7 @@ TEST_F(ZRMMd5HasherFiles, ABundleThatIsItselfALinkIsFollowed) {
     std::filesystem::create_symlink(directory_.path(), elsewhere.below("bundle"));
     const auto digest = hasher_.md5ForDirectoryAtPath(elsewhere.below("bundle"));
     ASSERT_TRUE(digest);
-    EXPECT_EQ(zrm_hexString(*digest), kMd5OfAbc);
+    EXPECT_EQ(zrm_hexString(*digest), kHashOfAbc);
 }
 
 TEST_F(ZRMMd5HasherFiles, FifosSocketsAndDevicesArePassedOverAndDoNotBlock) {
@@ -82,7 +82,7 @@ TEST_F(ZRMMd5HasherFiles, FifosSocketsAndDevicesArePassedOverAndDoNotBlock) {
     path.copy(address.sun_path, sizeof address.sun_path - 1);
     const int socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
     ASSERT_EQ(::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    EXPECT_EQ(ofBundle(), kMd5OfAbc);
+    EXPECT_EQ(ofBundle(), kHashOfAbc);
     ::close(socket);
     EXPECT_FALSE(hasher_.hashOfFileAtPath(directory_.below("fifo")));
     EXPECT_FALSE(hasher_.hashOfFileAtPath("/dev/zero"));
@@ -90,7 +90,7 @@ TEST_F(ZRMMd5HasherFiles, FifosSocketsAndDevicesArePassedOverAndDoNotBlock) {
 
 TEST_F(ZRMMd5HasherFiles, NamesNeedNotBeUtf8) {
     directory_.writeFile("\xff\xfe/\xc3(\n", "abc");
-    EXPECT_EQ(ofBundle(), kMd5OfAbc);
+    EXPECT_EQ(ofBundle(), kHashOfAbc);
 }
 
 TEST_F(ZRMMd5HasherFiles, ANameWithANulNamesNoFile) {
@@ -140,11 +140,11 @@ class DeepTree {
 
 TEST_F(ZRMMd5HasherFiles, HashesTheFilesOfAVeryDeepTree) {
     const DeepTree tree(directory_.path());
-    EXPECT_EQ(ofBundle(), kMd5OfAbc);
+    EXPECT_EQ(ofBundle(), kHashOfAbc);
     // Both are found after the way back from the depth, wherever they are listed.
     directory_.writeFile("after", "new");
     directory_.writeFile("level/level/after", "new");
-    EXPECT_EQ(ofBundle(), kMd5OfAbc);
+    EXPECT_EQ(ofBundle(), kHashOfAbc);
 }
 
 }  // namespace

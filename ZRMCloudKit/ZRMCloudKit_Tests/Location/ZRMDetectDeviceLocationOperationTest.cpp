@@ -6,7 +6,7 @@
 
 namespace {
 
-const ZRMLocation kNear{48.2, 16.4, 8};
+const ZRMLocation kGoodFix{48.2, 16.4, 8};
 
 class ZRMDetectDeviceLocationOperationTest : public testing::Test {
   protected:
@@ -31,10 +31,10 @@ TEST_F(ZRMDetectDeviceLocationOperationTest, RunsUntilTheLocatorAnswersAndKeepsT
     const auto operation = started();
     EXPECT_TRUE(operation->isExecuting());
     EXPECT_EQ(operation->location(), std::nullopt);
-    device_.location().deliver({kNear});
+    device_.location().deliver({kGoodFix});
     device_.runUntilIdle();
     EXPECT_TRUE(operation->isFinished());
-    EXPECT_EQ(operation->location(), kNear);
+    EXPECT_EQ(operation->location(), kGoodFix);
     EXPECT_EQ(operation->error(), std::nullopt);
 }
 
@@ -51,10 +51,10 @@ TEST_F(ZRMDetectDeviceLocationOperationTest, AnOverlappingOneEndsTheOneBeforeAnd
     const auto second = started();
     EXPECT_TRUE(first->isFinished());
     EXPECT_EQ(first->error(), ZRMError(kZRMLocationErrorDomain, 0));
-    device_.location().deliver({kNear});
+    device_.location().deliver({kGoodFix});
     device_.runUntilIdle();
     EXPECT_TRUE(second->isFinished());
-    EXPECT_EQ(second->location(), kNear);
+    EXPECT_EQ(second->location(), kGoodFix);
     EXPECT_EQ(second->error(), std::nullopt);
     EXPECT_EQ(first->location(), std::nullopt);
 }
@@ -63,7 +63,7 @@ TEST_F(ZRMDetectDeviceLocationOperationTest, ACancelledOneFinishesAndTakesNoLate
     const auto operation = started();
     operation->cancel();
     EXPECT_TRUE(operation->isFinished());
-    device_.location().deliver({kNear});
+    device_.location().deliver({kGoodFix});
     device_.runUntilIdle();
     EXPECT_EQ(operation->error(), std::nullopt);
     EXPECT_FALSE(locator_->isDetectingLocation());
