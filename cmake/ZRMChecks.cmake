@@ -17,6 +17,13 @@ if(ZRM_BUILD_TESTS)
     set_tests_properties(source/${CHECK} PROPERTIES LABELS source)
   endforeach()
 
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    add_test(NAME source/lock-misuse COMMAND ${CMAKE_CXX_COMPILER} -std=c++20 -fsyntax-only -Werror
+      -Wthread-safety -I${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_LIST_DIR}/ZRMLockMisuse.cpp)
+    set_tests_properties(source/lock-misuse PROPERTIES LABELS source
+      PASS_REGULAR_EXPRESSION "requires holding mutex 'mutex_'")
+  endif()
+
   # One source a header, so that each is compiled by itself. A sanitizer would find nothing here.
   if(ZRM_SANITIZE)
     return()

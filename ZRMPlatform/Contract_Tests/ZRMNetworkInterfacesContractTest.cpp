@@ -10,7 +10,7 @@ namespace {
 
 class ZRMNetworkInterfacesContract : public ZRMContract {};
 
-bool isText(const std::string& text) {
+bool isNameText(const std::string& text) {
     return zrm_wellFormedText(text) == text;
 }
 
@@ -23,7 +23,7 @@ TEST_P(ZRMNetworkInterfacesContract, AnAddressIsOfIpv4OrIpv6AndOfANamedInterface
     for (const auto& each : *addresses) {
         EXPECT_THAT(each.address, testing::AnyOf(testing::SizeIs(4), testing::SizeIs(16)));
         EXPECT_FALSE(each.interfaceName.empty());
-        EXPECT_TRUE(isText(each.interfaceName));
+        EXPECT_TRUE(isNameText(each.interfaceName));
     }
 }
 
@@ -43,7 +43,7 @@ TEST_P(ZRMNetworkInterfacesContract, EveryInterfaceThatTrafficMayLeaveByIsNamedO
     ASSERT_TRUE(names);
     const std::set<std::string> distinct(names->begin(), names->end());
     EXPECT_EQ(distinct.size(), names->size());
-    EXPECT_TRUE(std::ranges::all_of(*names, &isText));
+    EXPECT_TRUE(std::ranges::all_of(*names, &isNameText));
     EXPECT_FALSE(distinct.contains(""));
 }
 
@@ -51,7 +51,7 @@ TEST_P(ZRMNetworkInterfacesContract, AWirelessNetworkHasATextAndAnAddress) {
     const auto network = platform()->wifi->currentNetwork();
     const auto ssid = network ? network->ssid : std::nullopt;
     const auto bssid = network ? network->bssid : std::nullopt;
-    EXPECT_TRUE(!ssid || (!ssid->empty() && isText(*ssid)));
+    EXPECT_TRUE(!ssid || (!ssid->empty() && isNameText(*ssid)));
     EXPECT_THAT(bssid.value_or("00:00:00:00:00:00"),
                 testing::MatchesRegex("([0-9a-f]{2}:){5}[0-9a-f]{2}"));
 }

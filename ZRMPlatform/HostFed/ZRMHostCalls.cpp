@@ -22,7 +22,7 @@ bool ZRMHostCalls::apply(const ZRMCall& call) {
 bool ZRMHostCalls::update(const ZRMCall& call) {
     ZRMHostObservers<ZRMCall>::Delivery delivery;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         if (!apply(call)) {
             return false;
         }
@@ -33,12 +33,12 @@ bool ZRMHostCalls::update(const ZRMCall& call) {
 }
 
 std::vector<ZRMCall> ZRMHostCalls::calls() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return calls_;
 }
 
 std::shared_ptr<ZRMSubscription> ZRMHostCalls::observe(std::shared_ptr<ZRMQueue> queue,
                                                        ZRMCalls::Callback callback) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return observers_.add(std::move(queue), std::move(callback));
 }

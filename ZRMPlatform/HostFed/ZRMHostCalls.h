@@ -3,11 +3,11 @@
 
 #include <cstddef>
 #include <memory>
-#include <mutex>
 #include <vector>
 
 #include "ZRMPlatform/HostFed/ZRMHostObservers.h"
 #include "ZRMPlatform/Ports/ZRMCalls.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 // May be used from any thread.
 class ZRMHostCalls {
@@ -24,9 +24,9 @@ class ZRMHostCalls {
                                                            ZRMCalls::Callback callback);
 
   private:
-    bool apply(const ZRMCall& call);
+    bool apply(const ZRMCall& call) ZRM_REQUIRES(mutex_);
 
-    mutable std::mutex mutex_;
-    std::vector<ZRMCall> calls_;
-    ZRMHostObservers<ZRMCall> observers_;
+    mutable ZRMMutex mutex_;
+    std::vector<ZRMCall> calls_ ZRM_GUARDED_BY(mutex_);
+    ZRMHostObservers<ZRMCall> observers_ ZRM_GUARDED_BY(mutex_);
 };

@@ -3,14 +3,14 @@
 #include <utility>
 
 int ZRMHostLocation::status() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return status_;
 }
 
 void ZRMHostLocation::setStatus(int status) {
     ZRMHostObservers<int>::Delivery delivery;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         if (std::exchange(status_, status) != status) {
             statuses_.put(status, delivery);
         }
@@ -19,12 +19,12 @@ void ZRMHostLocation::setStatus(int status) {
 }
 
 bool ZRMHostLocation::areServicesEnabled() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return servicesEnabled_;
 }
 
 void ZRMHostLocation::setServicesEnabled(bool enabled) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     servicesEnabled_ = enabled;
 }
 
@@ -37,26 +37,26 @@ void ZRMHostLocation::fail(ZRMError error) {
 }
 
 bool ZRMHostLocation::isWanted() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return !updates_.isEmpty();
 }
 
 std::shared_ptr<ZRMSubscription> ZRMHostLocation::observeUpdates(
     std::shared_ptr<ZRMQueue> queue, std::function<void(const Update&)> callback) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return updates_.add(std::move(queue), std::move(callback));
 }
 
 std::shared_ptr<ZRMSubscription> ZRMHostLocation::observeStatus(
     std::shared_ptr<ZRMQueue> queue, std::function<void(const int&)> callback) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return statuses_.add(std::move(queue), std::move(callback));
 }
 
 void ZRMHostLocation::tell(const Update& update) {
     ZRMHostObservers<Update>::Delivery delivery;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         updates_.put(update, delivery);
     }
     delivery.post();

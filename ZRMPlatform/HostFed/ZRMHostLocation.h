@@ -3,12 +3,12 @@
 
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <variant>
 #include <vector>
 
 #include "ZRMPlatform/HostFed/ZRMHostObservers.h"
 #include "ZRMPlatform/Ports/ZRMLocationServices.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 // May be used from any thread.
 class ZRMHostLocation {
@@ -37,9 +37,9 @@ class ZRMHostLocation {
   private:
     void tell(const Update& update);
 
-    mutable std::mutex mutex_;
-    int status_ = ZRMLocationAuthorizationNotDetermined;
-    bool servicesEnabled_ = false;
-    ZRMHostObservers<Update> updates_;
-    ZRMHostObservers<int> statuses_;
+    mutable ZRMMutex mutex_;
+    int status_ ZRM_GUARDED_BY(mutex_) = ZRMLocationAuthorizationNotDetermined;
+    bool servicesEnabled_ ZRM_GUARDED_BY(mutex_) = false;
+    ZRMHostObservers<Update> updates_ ZRM_GUARDED_BY(mutex_);
+    ZRMHostObservers<int> statuses_ ZRM_GUARDED_BY(mutex_);
 };

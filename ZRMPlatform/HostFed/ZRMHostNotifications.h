@@ -4,11 +4,11 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <utility>
 
 #include "ZRMPlatform/HostFed/ZRMHostObservers.h"
 #include "ZRMPlatform/Ports/ZRMApplicationNotifications.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 // May be used from any thread. A notification that nobody observes is not kept.
 class ZRMHostNotifications {
@@ -16,7 +16,7 @@ class ZRMHostNotifications {
     void post(ZRMApplicationNotification notification) {
         ZRMHostObservers<Nothing>::Delivery delivery;
         {
-            const std::lock_guard lock(mutex_);
+            const ZRMLockGuard lock(mutex_);
             observers_[notification].put({}, delivery);
         }
         delivery.post();
@@ -24,7 +24,7 @@ class ZRMHostNotifications {
     [[nodiscard]] std::shared_ptr<ZRMSubscription> observe(ZRMApplicationNotification notification,
                                                            std::shared_ptr<ZRMQueue> queue,
                                                            std::function<void()> callback) {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         return observers_[notification].add(
             std::move(queue), [callback = std::move(callback)](const Nothing&) { callback(); });
     }
@@ -32,6 +32,7 @@ class ZRMHostNotifications {
   private:
     struct Nothing {};
 
-    std::mutex mutex_;
-    std::map<ZRMApplicationNotification, ZRMHostObservers<Nothing>> observers_;
+    ZRMMutex mutex_;
+    std::map<ZRMApplicationNotification, ZRMHostObservers<Nothing>> observers_
+        ZRM_GUARDED_BY(mutex_);
 };

@@ -6,10 +6,10 @@
 #include <deque>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <utility>
 #include <vector>
 
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 #include "ZRMPlatform/Ports/ZRMQueue.h"
 #include "ZRMPlatform/Ports/ZRMSubscription.h"
 
@@ -25,7 +25,7 @@ class ZRMHostMailbox final : public std::enable_shared_from_this<ZRMHostMailbox<
 
     // Whether post() must follow, with no lock held.
     [[nodiscard]] bool put(const Value& value) {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         if (hasEnded_) {
             return false;
         }
@@ -43,7 +43,7 @@ class ZRMHostMailbox final : public std::enable_shared_from_this<ZRMHostMailbox<
 
     void end() {
         std::deque<Value> dropped;
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         hasEnded_ = true;
         dropped.swap(pending_);
     }
@@ -52,7 +52,7 @@ class ZRMHostMailbox final : public std::enable_shared_from_this<ZRMHostMailbox<
     void deliver() {
         std::deque<Value> batch;
         {
-            const std::lock_guard lock(mutex_);
+            const ZRMLockGuard lock(mutex_);
             batch.swap(pending_);
         }
         for (const auto& value : batch) {
@@ -62,7 +62,7 @@ class ZRMHostMailbox final : public std::enable_shared_from_this<ZRMHostMailbox<
             callback_(value);
         }
         {
-            const std::lock_guard lock(mutex_);
+            const ZRMLockGuard lock(mutex_);
             isPosted_ = !pending_.empty();
             if (!isPosted_) {
                 return;
@@ -73,9 +73,9 @@ class ZRMHostMailbox final : public std::enable_shared_from_this<ZRMHostMailbox<
 
     const std::shared_ptr<ZRMQueue> queue_;
     const Callback callback_;
-    std::mutex mutex_;  // guards pending_, isPosted_ and the writing of hasEnded_
-    std::deque<Value> pending_;
-    bool isPosted_ = false;
+    ZRMMutex mutex_;  // guards pending_, isPosted_ and the writing of hasEnded_
+    std::deque<Value> pending_ ZRM_GUARDED_BY(mutex_);
+    bool isPosted_ ZRM_GUARDED_BY(mutex_) = false;
     std::atomic<bool> hasEnded_ = false;
 };
 

@@ -3,17 +3,17 @@
 #include <utility>
 
 void ZRMHostScreens::setCaptured(bool isCaptured) {
-    set(captured_, isCaptured);
+    set(&ZRMHostScreens::captured_, isCaptured);
 }
 
 void ZRMHostScreens::setMirrored(bool hasMirroredScreen) {
-    set(mirrored_, hasMirroredScreen);
+    set(&ZRMHostScreens::mirrored_, hasMirroredScreen);
 }
 
-void ZRMHostScreens::set(std::optional<bool>& word, bool value) {
+void ZRMHostScreens::set(std::optional<bool> ZRMHostScreens::*word, bool value) {
     {
-        const std::lock_guard lock(mutex_);
-        if (std::exchange(word, value) == value) {
+        const ZRMLockGuard lock(mutex_);
+        if (std::exchange(this->*word, value) == value) {
             return;
         }
     }
@@ -22,7 +22,7 @@ void ZRMHostScreens::set(std::optional<bool>& word, bool value) {
 
 bool ZRMHostScreens::connect(const ZRMScreen& external) {
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         if (external_.size() >= kMostExternalScreens) {
             return false;
         }
@@ -36,7 +36,7 @@ bool ZRMHostScreens::connect(const ZRMScreen& external) {
 // of what is captured.
 void ZRMHostScreens::disconnect() {
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         if (std::exchange(external_, {}).empty()) {
             return;
         }
@@ -46,7 +46,7 @@ void ZRMHostScreens::disconnect() {
 
 void ZRMHostScreens::forget() {
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         if (!captured_ && !mirrored_ && external_.empty()) {
             return;
         }
@@ -58,7 +58,7 @@ void ZRMHostScreens::forget() {
 }
 
 std::vector<ZRMScreen> ZRMHostScreens::joinedTo(std::vector<ZRMScreen> screens) const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     if (screens.empty() && (captured_ || mirrored_)) {
         screens.emplace_back();
     }

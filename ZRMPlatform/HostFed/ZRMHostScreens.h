@@ -2,12 +2,12 @@
 #pragma once
 
 #include <cstddef>
-#include <mutex>
 #include <optional>
 #include <vector>
 
 #include "ZRMPlatform/HostFed/ZRMHostNotifications.h"
 #include "ZRMPlatform/Ports/Values/ZRMScreen.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 // May be used from any thread. What changes is notified once it can be seen.
 class ZRMHostScreens {
@@ -30,11 +30,11 @@ class ZRMHostScreens {
     [[nodiscard]] std::vector<ZRMScreen> joinedTo(std::vector<ZRMScreen> screens) const;
 
   private:
-    void set(std::optional<bool>& word, bool value);
+    void set(std::optional<bool> ZRMHostScreens::*word, bool value);
 
     ZRMHostNotifications& notifications_;
-    mutable std::mutex mutex_;
-    std::optional<bool> captured_;
-    std::optional<bool> mirrored_;
-    std::vector<ZRMScreen> external_;
+    mutable ZRMMutex mutex_;
+    std::optional<bool> captured_ ZRM_GUARDED_BY(mutex_);
+    std::optional<bool> mirrored_ ZRM_GUARDED_BY(mutex_);
+    std::vector<ZRMScreen> external_ ZRM_GUARDED_BY(mutex_);
 };

@@ -1,9 +1,10 @@
 // One value that the host may tell.
 #pragma once
 
-#include <mutex>
 #include <optional>
 #include <utility>
+
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 // May be used from any thread.
 template <class Value>
@@ -13,16 +14,16 @@ class ZRMHostWord {
     void forget() { exchange(std::nullopt); }
     // The last one told; absent before that and when it was taken back.
     [[nodiscard]] std::optional<Value> word() const {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         return value_;
     }
 
   private:
     void exchange(std::optional<Value> value) {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         value_.swap(value);
     }
 
-    mutable std::mutex mutex_;
-    std::optional<Value> value_;
+    mutable ZRMMutex mutex_;
+    std::optional<Value> value_ ZRM_GUARDED_BY(mutex_);
 };

@@ -1,11 +1,12 @@
 #include "ZRMPlatform/Linux/ZRMLinuxConsoleLog.h"
 
 #include <cerrno>
-#include <mutex>
 
 #include <signal.h>
 #include <time.h>
 #include <unistd.h>
+
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 namespace {
 
@@ -38,8 +39,8 @@ class NoPipeSignal {
 };
 
 // One lock for all console logs: they may share the descriptor.
-std::mutex& writing() {
-    static auto* const mutex = new std::mutex;
+ZRMMutex& writing() {
+    static auto* const mutex = new ZRMMutex;
     return *mutex;
 }
 
@@ -49,7 +50,7 @@ ZRMLinuxConsoleLog::ZRMLinuxConsoleLog() : descriptor_(STDERR_FILENO) {}
 
 void ZRMLinuxConsoleLog::write(std::string_view text) {
     const NoPipeSignal noPipeSignal;
-    const std::lock_guard lock(writing());
+    const ZRMLockGuard lock(writing());
     while (!text.empty()) {
         const auto count = ::write(descriptor_, text.data(), text.size());
         if (count < 0 && errno == EINTR) {

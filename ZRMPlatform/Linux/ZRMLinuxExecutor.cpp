@@ -1,21 +1,21 @@
 #include "ZRMPlatform/Linux/ZRMLinuxExecutor.h"
 
 #include <map>
-#include <mutex>
 
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include "ZRMPlatform/Linux/ZRMLinuxCondition.h"
 #include "ZRMPlatform/Linux/ZRMLinuxQueue.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 namespace {
 
 // The queues that there is one of in a process; never destroyed, as their threads are not.
 struct SharedQueues {
-    std::mutex mutex;
-    std::map<ZRMQualityOfService, std::shared_ptr<ZRMQueue>> concurrent;
-    std::shared_ptr<ZRMQueue> main;
+    ZRMMutex mutex;
+    std::map<ZRMQualityOfService, std::shared_ptr<ZRMQueue>> concurrent ZRM_GUARDED_BY(mutex);
+    std::shared_ptr<ZRMQueue> main ZRM_GUARDED_BY(mutex);
 };
 
 SharedQueues& sharedQueues() {
@@ -35,7 +35,7 @@ std::shared_ptr<ZRMQueue> ZRMLinuxExecutor::makeSerialQueue(std::string label,
 
 std::shared_ptr<ZRMQueue> ZRMLinuxExecutor::concurrentQueue(ZRMQualityOfService qos) {
     auto& queues = sharedQueues();
-    const std::lock_guard lock(queues.mutex);
+    const ZRMLockGuard lock(queues.mutex);
     auto& queue = queues.concurrent[qos];
     if (!queue) {
         queue = std::make_shared<ZRMLinuxQueue>(
@@ -49,7 +49,7 @@ std::shared_ptr<ZRMQueue> ZRMLinuxExecutor::mainQueue() {
         return hostMainQueue_;
     }
     auto& queues = sharedQueues();
-    const std::lock_guard lock(queues.mutex);
+    const ZRMLockGuard lock(queues.mutex);
     if (!queues.main) {
         queues.main = std::make_shared<ZRMLinuxQueue>("main", zrm_makeThreadLane("zrm-main"));
     }

@@ -1,13 +1,13 @@
 #include "ZRMPlatform/Linux/ZRMLinuxLanes.h"
 
 #include <atomic>
-#include <mutex>
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/strand.hpp>
 
 #include "ZRMPlatform/Linux/ZRMLinuxThread.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 namespace {
 
@@ -28,7 +28,7 @@ class Workers {
         if (missing_.load(std::memory_order_acquire) == 0) {
             return;
         }
-        const std::lock_guard lock(starting_);
+        const ZRMLockGuard lock(starting_);
         while (missing_ > 0 && zrm_startThread(name_, [this] { context_.run(); })) {
             --missing_;
         }
@@ -40,7 +40,7 @@ class Workers {
     const char* name_;
     WorkContext context_;
     boost::asio::executor_work_guard<WorkContext::executor_type> endless_{context_.get_executor()};
-    std::mutex starting_;
+    ZRMMutex starting_;
     std::atomic<int> missing_;
 };
 

@@ -126,13 +126,13 @@ std::optional<std::string> ZRMLinuxLoader::fileForAddress(std::uint64_t address)
 
 void ZRMLinuxLoader::registerAddImageCallback(AddImageCallback callback) {
     const auto loaded = loadedHeaderAddresses();
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     tell(listeners_.emplace_back(Listener{std::move(callback), {}}), loaded);
 }
 
 void ZRMLinuxLoader::noticeAddedImages() {
     const auto loaded = loadedHeaderAddresses();
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     for (auto& listener : listeners_) {
         tell(listener, loaded);
     }

@@ -1,11 +1,11 @@
 // The dynamic loader of glibc, asked through dl_iterate_phdr.
 #pragma once
 
-#include <mutex>
 #include <set>
 #include <vector>
 
 #include "ZRMPlatform/Ports/ZRMLoader.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 // glibc does not tell of images that come later, so they are noticed when somebody asks; one that
 // came and went between two questions is missed.
@@ -27,6 +27,6 @@ class ZRMLinuxLoader final : public ZRMLoader {
     static void tell(Listener& listener, const std::vector<std::uint64_t>& loaded);
 
     // Held while callbacks run, so that each image is told once; callbacks must not come back here.
-    std::mutex mutex_;
-    std::vector<Listener> listeners_;
+    ZRMMutex mutex_;
+    std::vector<Listener> listeners_ ZRM_GUARDED_BY(mutex_);
 };

@@ -26,7 +26,7 @@ std::optional<std::uint32_t> ZRMLinuxReachabilityTarget::flags() const {
 
 bool ZRMLinuxReachabilityTarget::setCallback(Callback callback) {
     auto next = callback ? std::make_shared<const Callback>(std::move(callback)) : nullptr;
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     callback_.swap(next);  // the one before is released after the lock
     return true;
 }
@@ -36,7 +36,7 @@ bool ZRMLinuxReachabilityTarget::schedule(const std::shared_ptr<ZRMQueue>& queue
         return false;
     }
     const auto now = flags();
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     if (!isListening_) {
         isListening_ = changes_->addListener(shared_from_this());
         if (!isListening_) {
@@ -53,7 +53,7 @@ bool ZRMLinuxReachabilityTarget::schedule(const std::shared_ptr<ZRMQueue>& queue
 }
 
 bool ZRMLinuxReachabilityTarget::unschedule(const std::shared_ptr<ZRMQueue>& queue) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return std::erase(queues_, queue) > 0;
 }
 
@@ -61,7 +61,7 @@ void ZRMLinuxReachabilityTarget::routesChanged() {
     const auto now = flags();
     std::vector<std::shared_ptr<ZRMQueue>> queues;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         if (now == lastFlags_) {
             return;
         }
@@ -83,7 +83,7 @@ void ZRMLinuxReachabilityTarget::deliver(const std::shared_ptr<ZRMQueue>& queue,
                                          std::uint32_t flags) {
     std::shared_ptr<const Callback> callback;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         if (std::ranges::find(queues_, queue) != queues_.end()) {
             callback = callback_;
         }

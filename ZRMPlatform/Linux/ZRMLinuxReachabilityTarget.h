@@ -3,12 +3,12 @@
 
 #include <map>
 #include <memory>
-#include <mutex>
 #include <vector>
 
 #include "ZRMPlatform/Linux/ZRMLinuxInterfaces.h"
 #include "ZRMPlatform/Linux/ZRMLinuxRouteChanges.h"
 #include "ZRMPlatform/Linux/ZRMLinuxRoutes.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 #include "ZRMPlatform/Ports/ZRMReachabilityTarget.h"
 
 class ZRMLinuxReachabilityTarget : public ZRMReachabilityTarget,
@@ -36,9 +36,9 @@ class ZRMLinuxReachabilityTarget : public ZRMReachabilityTarget,
     const std::shared_ptr<ZRMLinuxRouteChanges> changes_;
     const ZRMLinuxInterfaces interfaces_;
 
-    std::mutex mutex_;
-    std::shared_ptr<const Callback> callback_;
-    std::vector<std::shared_ptr<ZRMQueue>> queues_;
-    bool isListening_ = false;
-    std::optional<std::uint32_t> lastFlags_;
+    ZRMMutex mutex_;
+    std::shared_ptr<const Callback> callback_ ZRM_GUARDED_BY(mutex_);
+    std::vector<std::shared_ptr<ZRMQueue>> queues_ ZRM_GUARDED_BY(mutex_);
+    bool isListening_ ZRM_GUARDED_BY(mutex_) = false;
+    std::optional<std::uint32_t> lastFlags_ ZRM_GUARDED_BY(mutex_);
 };

@@ -16,7 +16,7 @@ std::optional<ZRMLinuxRevocationCache::Fingerprint> ZRMLinuxRevocationCache::fin
 
 ZRMLinuxRevocationAnswer ZRMLinuxRevocationCache::find(const X509* certificate, ZRMDate now) const {
     const auto fingerprint = fingerprintOf(certificate);
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     const auto found = fingerprint ? answers_.find(*fingerprint) : answers_.end();
     if (found == answers_.end() || now < found->second.from || found->second.until < now) {
         return {};
@@ -30,7 +30,7 @@ void ZRMLinuxRevocationCache::keep(const X509* certificate,
     if (answer.status == ZRMLinuxRevocationStatus::NoAnswer || !fingerprint) {
         return;
     }
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     answers_[*fingerprint] = answer;
     if (answers_.size() > kMaximumEntries) {
         answers_.erase(std::ranges::min_element(

@@ -4,11 +4,11 @@
 #include <array>
 #include <cstdint>
 #include <map>
-#include <mutex>
 #include <optional>
 
 #include "ZRMPlatform/Linux/ZRMLinuxRevocationAnswer.h"
 #include "ZRMPlatform/Linux/ZRMLinuxX509.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 // In memory only, the last to run out first of all when it is full. May be used from any thread.
 class ZRMLinuxRevocationCache {
@@ -26,6 +26,6 @@ class ZRMLinuxRevocationCache {
     // Absent when the digest is not to be had.
     static std::optional<Fingerprint> fingerprintOf(const X509* certificate);
 
-    mutable std::mutex mutex_;
-    std::map<Fingerprint, ZRMLinuxRevocationAnswer> answers_;
+    mutable ZRMMutex mutex_;
+    std::map<Fingerprint, ZRMLinuxRevocationAnswer> answers_ ZRM_GUARDED_BY(mutex_);
 };

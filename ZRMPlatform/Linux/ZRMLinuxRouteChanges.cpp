@@ -52,7 +52,7 @@ std::shared_ptr<ZRMLinuxKernelRouteChanges> ZRMLinuxKernelRouteChanges::shared()
 
 bool ZRMLinuxKernelRouteChanges::addListener(
     const std::shared_ptr<ZRMLinuxRouteListener>& listener) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     if (!isStarted_) {
         isStarted_ = start();
     }
@@ -75,7 +75,7 @@ void ZRMLinuxKernelRouteChanges::serve(int socket) {
             continue;
         }
         if (ready < 0 || !drain(socket)) {
-            const std::lock_guard lock(mutex_);
+            const ZRMLockGuard lock(mutex_);
             isStarted_ = false;  // the next listener tries again
             return;
         }
@@ -86,7 +86,7 @@ void ZRMLinuxKernelRouteChanges::serve(int socket) {
 void ZRMLinuxKernelRouteChanges::notifyAll() {
     std::vector<std::weak_ptr<ZRMLinuxRouteListener>> listeners;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         listeners = listeners_;
     }
     for (const auto& each : listeners) {

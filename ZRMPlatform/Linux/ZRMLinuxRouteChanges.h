@@ -2,8 +2,9 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 #include <vector>
+
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 class ZRMLinuxRouteListener {
   public:
@@ -33,7 +34,7 @@ class ZRMLinuxKernelRouteChanges : public ZRMLinuxRouteChanges {
     void serve(int socket);
     void notifyAll();
 
-    std::mutex mutex_;
-    std::vector<std::weak_ptr<ZRMLinuxRouteListener>> listeners_;
-    bool isStarted_ = false;
+    ZRMMutex mutex_;
+    std::vector<std::weak_ptr<ZRMLinuxRouteListener>> listeners_ ZRM_GUARDED_BY(mutex_);
+    bool isStarted_ ZRM_GUARDED_BY(mutex_) = false;
 };

@@ -3,11 +3,12 @@
 #include <algorithm>
 
 #include "ZRMPlatform/Linux/ZRMLinuxThread.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 struct ZRMLinuxTimer::RunEnd {
     explicit RunEnd(ZRMLinuxTimer& ended) : timer(ended) {}
     ~RunEnd() {
-        const std::lock_guard lock(timer.mutex_);
+        const ZRMLockGuard lock(timer.mutex_);
         timer.isRunPending_ = false;
     }
     RunEnd(const RunEnd&) = delete;
@@ -25,13 +26,13 @@ void ZRMLinuxTimer::cancel() {
     ZRMLinuxTimers::shared().remove(*this);
     std::shared_ptr<const ZRMTask>
         dropped;  // its destructor runs code of the caller's: after the lock
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     dropped.swap(fire_);
 }
 
 void ZRMLinuxTimer::post() {
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         if (!fire_ || isRunPending_) {
             return;
         }
@@ -43,7 +44,7 @@ void ZRMLinuxTimer::post() {
 void ZRMLinuxTimer::run() {
     std::shared_ptr<const ZRMTask> fire;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         fire = fire_;
         if (period_.count() == 0) {
             fire_.reset();
@@ -57,7 +58,7 @@ void ZRMLinuxTimer::run() {
 
 std::optional<ZRMLinuxTimePoint> ZRMLinuxTimer::nextAfter(ZRMLinuxTimePoint due,
                                                           ZRMLinuxTimePoint now) const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     if (!fire_ || period_.count() == 0) {
         return std::nullopt;
     }
@@ -70,7 +71,7 @@ ZRMLinuxTimers& ZRMLinuxTimers::shared() {
 }
 
 void ZRMLinuxTimers::add(const std::shared_ptr<ZRMLinuxTimer>& timer, ZRMLinuxTimePoint due) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     schedule_.emplace(due, timer);
     if (!isStarted_) {
         isStarted_ = zrm_startThread("zrm-timers", [this] { serve(); });
@@ -82,7 +83,7 @@ void ZRMLinuxTimers::add(const std::shared_ptr<ZRMLinuxTimer>& timer, ZRMLinuxTi
 
 void ZRMLinuxTimers::remove(const ZRMLinuxTimer& timer) {
     std::shared_ptr<ZRMLinuxTimer> dropped;
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     const auto found = std::ranges::find_if(
         schedule_, [&timer](const auto& entry) { return entry.second.get() == &timer; });
     if (found != schedule_.end()) {
@@ -93,19 +94,19 @@ void ZRMLinuxTimers::remove(const ZRMLinuxTimer& timer) {
 
 // The wait is for a moment of the wall clock, so the kernel ends it when that clock is set forward.
 void ZRMLinuxTimers::serve() {
-    std::unique_lock lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     for (;;) {
         if (schedule_.empty()) {
-            changed_.wait(lock);
+            changed_.wait(mutex_);
         } else {
             const auto due = schedule_.begin()->first;
-            changed_.wait_until(lock, due);
+            changed_.wait_until(mutex_, due);
         }
-        postDue(lock);
+        postDue();
     }
 }
 
-void ZRMLinuxTimers::postDue(std::unique_lock<std::mutex>& lock) {
+void ZRMLinuxTimers::postDue() {
     const auto now = std::chrono::system_clock::now();
     while (!schedule_.empty() && schedule_.begin()->first <= now) {
         auto entry = schedule_.extract(schedule_.begin());
@@ -113,8 +114,8 @@ void ZRMLinuxTimers::postDue(std::unique_lock<std::mutex>& lock) {
         if (const auto next = timer->nextAfter(entry.key(), now)) {
             schedule_.emplace(*next, timer);
         }
-        lock.unlock();
+        mutex_.unlock();
         timer->post();
-        lock.lock();
+        mutex_.lock();
     }
 }

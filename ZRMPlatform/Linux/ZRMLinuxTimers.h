@@ -9,6 +9,7 @@
 #include <optional>
 
 #include "ZRMPlatform/Linux/ZRMLinuxWallTime.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 #include "ZRMPlatform/Ports/ZRMQueue.h"
 
 // A queue's timer. `fire` is handed to `lane` whenever the timer is due; the timer lets go of it
@@ -35,9 +36,9 @@ class ZRMLinuxTimer : public ZRMTimerHandle, public std::enable_shared_from_this
 
     const std::function<void(ZRMTask)> lane_;
     const std::chrono::nanoseconds period_;
-    mutable std::mutex mutex_;
-    std::shared_ptr<const ZRMTask> fire_;  // absent once cancelled or done
-    bool isRunPending_ = false;
+    mutable ZRMMutex mutex_;
+    std::shared_ptr<const ZRMTask> fire_ ZRM_GUARDED_BY(mutex_);  // absent once cancelled or done
+    bool isRunPending_ ZRM_GUARDED_BY(mutex_) = false;
 };
 
 // The process's timers in the order they are due, then in that of their making, served by one
@@ -53,10 +54,10 @@ class ZRMLinuxTimers {
     using Schedule = std::multimap<ZRMLinuxTimePoint, std::shared_ptr<ZRMLinuxTimer>>;
 
     [[noreturn]] void serve();
-    void postDue(std::unique_lock<std::mutex>& lock);
+    void postDue() ZRM_REQUIRES(mutex_);  // lets go of the lock for each
 
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    Schedule schedule_;
-    bool isStarted_ = false;
+    ZRMMutex mutex_;
+    std::condition_variable_any changed_;
+    Schedule schedule_ ZRM_GUARDED_BY(mutex_);
+    bool isStarted_ ZRM_GUARDED_BY(mutex_) = false;
 };

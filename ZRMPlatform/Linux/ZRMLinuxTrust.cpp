@@ -1,7 +1,6 @@
 #include "ZRMPlatform/Linux/ZRMLinuxTrust.h"
 
 #include <map>
-#include <mutex>
 #include <set>
 #include <span>
 #include <utility>
@@ -12,6 +11,7 @@
 #include "ZRMPlatform/Linux/ZRMLinuxRevocationCheck.h"
 #include "ZRMPlatform/Linux/ZRMLinuxRsaKeys.h"
 #include "ZRMPlatform/Linux/ZRMLinuxTrustPath.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 namespace {
 
@@ -101,7 +101,7 @@ class ZRMLinuxTrust::Evaluations : public std::enable_shared_from_this<Evaluatio
         const auto check = std::make_shared<ZRMLinuxRevocationCheck>(clock_, urlSessions_, cache_,
                                                                      std::move(path), methods);
         {
-            const std::lock_guard lock(mutex_);
+            const ZRMLockGuard lock(mutex_);
             running_.insert(check);
         }
         check->start([self = weak_from_this(), weakCheck = std::weak_ptr(check), leaf,
@@ -121,7 +121,7 @@ class ZRMLinuxTrust::Evaluations : public std::enable_shared_from_this<Evaluatio
     }
 
     void forget(const std::shared_ptr<ZRMLinuxRevocationCheck>& check) {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         running_.erase(check);
     }
 
@@ -130,8 +130,8 @@ class ZRMLinuxTrust::Evaluations : public std::enable_shared_from_this<Evaluatio
     const std::shared_ptr<ZRMUrlSessionFactory> urlSessions_;
     const std::shared_ptr<ZRMLinuxRevocationCache> cache_ =
         std::make_shared<ZRMLinuxRevocationCache>();
-    std::mutex mutex_;
-    std::set<std::shared_ptr<ZRMLinuxRevocationCheck>> running_;
+    ZRMMutex mutex_;
+    std::set<std::shared_ptr<ZRMLinuxRevocationCheck>> running_ ZRM_GUARDED_BY(mutex_);
 };
 
 ZRMLinuxTrust::ZRMLinuxTrust(std::shared_ptr<ZRMExecutor> executor, std::shared_ptr<ZRMClock> clock,

@@ -42,7 +42,7 @@ void ZRMLinuxUrlLoader::cancel(std::shared_ptr<ZRMLinuxUrlJob> job) {
 void ZRMLinuxUrlLoader::command(Command command) {
     bool isFirst = false;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         isFirst = commands_.empty();
         commands_.push_back(std::move(command));
         if (!isStarted_) {
@@ -68,7 +68,7 @@ void ZRMLinuxUrlLoader::serve() {
 void ZRMLinuxUrlLoader::obey() {
     std::vector<Command> commands;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         commands.swap(commands_);
     }
     for (auto& [job, isCancel] : commands) {

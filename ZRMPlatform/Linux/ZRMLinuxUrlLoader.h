@@ -2,13 +2,13 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 #include <unordered_map>
 #include <vector>
 
 #include <curl/curl.h>
 
 #include "ZRMPlatform/Linux/ZRMLinuxUrlTransfer.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 // Made with the first exchange; lives as long as the process and is not waited for at its exit.
 class ZRMLinuxUrlLoader {
@@ -41,9 +41,9 @@ class ZRMLinuxUrlLoader {
     // Lets go of the transfer and keeps its handle for the next one.
     void drop(Transfers::iterator found);
 
-    std::mutex mutex_;
-    std::vector<Command> commands_;
-    bool isStarted_ = false;
+    ZRMMutex mutex_;
+    std::vector<Command> commands_ ZRM_GUARDED_BY(mutex_);
+    bool isStarted_ ZRM_GUARDED_BY(mutex_) = false;
 
     CURLM* multi_;
     CURLSH* share_;

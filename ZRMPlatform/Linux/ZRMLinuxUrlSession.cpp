@@ -1,8 +1,7 @@
 #include "ZRMPlatform/Linux/ZRMLinuxUrlSession.h"
 
-#include <mutex>
-
 #include "ZRMPlatform/Linux/ZRMLinuxUrlLoader.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 namespace {
 
@@ -25,7 +24,7 @@ class Session : public ZRMUrlSession {
         job->deliveryQueue = deliveryQueue_;
         job->completion = std::move(completion);
         {
-            const std::lock_guard lock(mutex_);
+            const ZRMLockGuard lock(mutex_);
             job->isCancelled = isInvalid_;
             job_ = job;
         }
@@ -38,7 +37,7 @@ class Session : public ZRMUrlSession {
     void cancelJob() {
         std::shared_ptr<ZRMLinuxUrlJob> job;
         {
-            const std::lock_guard lock(mutex_);
+            const ZRMLockGuard lock(mutex_);
             isInvalid_ = true;
             job.swap(job_);
         }
@@ -50,9 +49,9 @@ class Session : public ZRMUrlSession {
     const ZRMUrlSessionConfiguration configuration_;
     const std::shared_ptr<const ZRMLinuxUrlTrust> trust_;
     const std::shared_ptr<ZRMQueue> deliveryQueue_;
-    std::mutex mutex_;
-    bool isInvalid_ = false;
-    std::shared_ptr<ZRMLinuxUrlJob> job_;
+    ZRMMutex mutex_;
+    bool isInvalid_ ZRM_GUARDED_BY(mutex_) = false;
+    std::shared_ptr<ZRMLinuxUrlJob> job_ ZRM_GUARDED_BY(mutex_);
 };
 
 // As libcurl takes them: connect to this address instead, for every transfer on its own, so that

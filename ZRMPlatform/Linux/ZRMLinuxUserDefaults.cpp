@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <map>
-#include <mutex>
 #include <variant>
 
 #include "ZRMPlatform/Linux/ZRMLinuxPropertyListFile.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 namespace {
 
@@ -15,8 +15,8 @@ using StoredValues = std::map<std::string, StoredValue>;
 
 // What could not be written, by file, for the process's life.
 struct Unwritten {
-    std::mutex mutex;
-    std::map<std::string, StoredValues> byPath;
+    ZRMMutex mutex;
+    std::map<std::string, StoredValues> byPath ZRM_GUARDED_BY(mutex);
 };
 
 Unwritten& unwritten() {
@@ -64,7 +64,7 @@ class Suite : public ZRMUserDefaultsSuite {
     template <class T>
     std::optional<T> valueOf(const std::string& key) const {
         auto& kept = unwritten();
-        const std::lock_guard lock(kept.mutex);
+        const ZRMLockGuard lock(kept.mutex);
         if (const auto values = kept.byPath.find(file_.path()); values != kept.byPath.end()) {
             if (const auto found = values->second.find(key); found != values->second.end()) {
                 const auto* const value = std::get_if<T>(&found->second);
@@ -82,7 +82,7 @@ class Suite : public ZRMUserDefaultsSuite {
     // Takes along what earlier writes had to leave in memory.
     void set(const std::string& key, StoredValue value) {
         auto& kept = unwritten();
-        const std::lock_guard lock(kept.mutex);
+        const ZRMLockGuard lock(kept.mutex);
         auto& values = kept.byPath[file_.path()];
         values.insert_or_assign(key, std::move(value));
         const auto failure = file_.update([&values](plist_t dictionary) {

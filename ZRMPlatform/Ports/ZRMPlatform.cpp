@@ -1,14 +1,15 @@
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 
 #include <atomic>
-#include <mutex>
+
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 namespace {
 
 // Never destroyed: threads of the library may still ask while the process exits.
 struct Installed {
-    std::mutex mutex;
-    std::shared_ptr<const ZRMPlatform> platform;
+    ZRMMutex mutex;
+    std::shared_ptr<const ZRMPlatform> platform ZRM_GUARDED_BY(mutex);
     std::atomic<std::uint64_t> generation = 0;
 };
 
@@ -21,7 +22,7 @@ Installed& installed() {
 
 std::shared_ptr<const ZRMPlatform> ZRMPlatform::current() {
     auto& slot = installed();
-    const std::lock_guard lock(slot.mutex);
+    const ZRMLockGuard lock(slot.mutex);
     if (!slot.platform) {
         slot.platform = zrm_makeDefaultPlatform();
         ++slot.generation;
@@ -32,7 +33,7 @@ std::shared_ptr<const ZRMPlatform> ZRMPlatform::current() {
 void ZRMPlatform::install(std::shared_ptr<const ZRMPlatform> platform) {
     auto& slot = installed();
     std::shared_ptr<const ZRMPlatform> previous;  // released after the lock
-    const std::lock_guard lock(slot.mutex);
+    const ZRMLockGuard lock(slot.mutex);
     previous = std::exchange(slot.platform, std::move(platform));
     ++slot.generation;
 }

@@ -6,7 +6,7 @@
 void ZRMSimulatedLoader::load(std::string name, std::uint64_t headerAddress, ZRMData bytes) {
     std::vector<AddImageCallback> callbacks;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         images_.push_back(
             {{std::move(name), headerAddress}, std::make_shared<const ZRMData>(std::move(bytes))});
         callbacks = callbacks_;
@@ -17,7 +17,7 @@ void ZRMSimulatedLoader::load(std::string name, std::uint64_t headerAddress, ZRM
 }
 
 void ZRMSimulatedLoader::unload(const std::string& name) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     const auto found = std::ranges::find_if(
         images_, [&name](const Image& image) { return image.descriptor.name == name; });
     if (found != images_.end()) {
@@ -26,28 +26,28 @@ void ZRMSimulatedLoader::unload(const std::string& name) {
 }
 
 void ZRMSimulatedLoader::setAddressesUnknown(bool unknown) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     addressesUnknown_ = unknown;
 }
 
 std::uint32_t ZRMSimulatedLoader::imageCount() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return static_cast<std::uint32_t>(images_.size());
 }
 
 std::optional<ZRMLoadedImage> ZRMSimulatedLoader::imageAtIndex(std::uint32_t index) const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return index < images_.size() ? std::optional(images_[index].descriptor) : std::nullopt;
 }
 
 std::span<const std::uint8_t> ZRMSimulatedLoader::mappedBytesAtIndex(std::uint32_t index) const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return index < images_.size() ? std::span(*images_[index].bytes)
                                   : std::span<const std::uint8_t>();
 }
 
 std::optional<std::string> ZRMSimulatedLoader::fileForAddress(std::uint64_t address) const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     const auto found = std::ranges::find_if(images_, [address](const Image& image) {
         return image.descriptor.headerAddress == address;
     });
@@ -58,7 +58,7 @@ std::optional<std::string> ZRMSimulatedLoader::fileForAddress(std::uint64_t addr
 void ZRMSimulatedLoader::registerAddImageCallback(AddImageCallback callback) {
     std::vector<std::uint64_t> loaded;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         for (const auto& image : images_) {
             loaded.push_back(image.descriptor.headerAddress);
         }

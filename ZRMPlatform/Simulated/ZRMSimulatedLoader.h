@@ -1,11 +1,11 @@
 // A dynamic loader whose images the test maps and unmaps.
 #pragma once
 
-#include <mutex>
 #include <vector>
 
 #include "ZRMPlatform/Ports/Values/ZRMData.h"
 #include "ZRMPlatform/Ports/ZRMLoader.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 // Tells of added images at once. May be used from any thread.
 class ZRMSimulatedLoader final : public ZRMLoader {
@@ -31,8 +31,8 @@ class ZRMSimulatedLoader final : public ZRMLoader {
         ZRMSharedData bytes;
     };
 
-    mutable std::mutex mutex_;
-    std::vector<Image> images_;
-    std::vector<AddImageCallback> callbacks_;
-    bool addressesUnknown_ = false;
+    mutable ZRMMutex mutex_;
+    std::vector<Image> images_ ZRM_GUARDED_BY(mutex_);
+    std::vector<AddImageCallback> callbacks_ ZRM_GUARDED_BY(mutex_);
+    bool addressesUnknown_ ZRM_GUARDED_BY(mutex_) = false;
 };
