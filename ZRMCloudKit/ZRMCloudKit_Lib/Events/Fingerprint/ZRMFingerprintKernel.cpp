@@ -14,17 +14,17 @@ constexpr char kHostName[] = "kern.hostname";
 constexpr char kSystemType[] = "kern.ostype";
 
 template <const char* Name>
-std::string textOf(const ZRMKernelValues& values) {
+std::string kernelText(const ZRMKernelValues& values) {
     return values.text(Name).value_or(std::string());
 }
 
 template <const char* Name>
-std::int32_t integerOf(const ZRMKernelValues& values) {
+std::int32_t kernelInteger(const ZRMKernelValues& values) {
     return values.integer(Name).value_or(0);
 }
 
 template <const char* Name>
-std::string integerTextOf(const ZRMKernelValues& values) {
+std::string kernelIntegerText(const ZRMKernelValues& values) {
     const auto integer = values.integer(Name);
     return integer ? std::to_string(*integer) : std::string();
 }
@@ -37,14 +37,15 @@ std::string unreadRevision(const ZRMKernelValues&) {
 
 std::span<const ZRMEventField<ZRMKernelValues>> zrm_fingerprintKernelFields() {
     static constexpr std::array kFields{
-        zrm_eventField<&textOf<kMachine>>("hwmachine", "hw.machine"),
-        zrm_eventField<&textOf<kModel>>("hwmodel", "hw.model"),
-        zrm_eventField<&integerOf<kProcessors>>("hwncpu", "hw.ncpu"),
-        zrm_eventField<&integerOf<kPhysicalMemory>>("hwphysmem", "hw.physmem, its lowest 32 bits"),
-        zrm_eventField<&integerTextOf<kHostId>>("kernhostid", "kern.hostid in decimal"),
-        zrm_eventField<&textOf<kHostName>>("kernhostname", "kern.hostname"),
+        zrm_eventField<&kernelText<kMachine>>("hwmachine", "hw.machine"),
+        zrm_eventField<&kernelText<kModel>>("hwmodel", "hw.model"),
+        zrm_eventField<&kernelInteger<kProcessors>>("hwncpu", "hw.ncpu"),
+        zrm_eventField<&kernelInteger<kPhysicalMemory>>("hwphysmem",
+                                                        "hw.physmem, its lowest 32 bits"),
+        zrm_eventField<&kernelIntegerText<kHostId>>("kernhostid", "kern.hostid in decimal"),
+        zrm_eventField<&kernelText<kHostName>>("kernhostname", "kern.hostname"),
         zrm_eventField<&unreadRevision>("kernosrevision", "always -1"),
-        zrm_eventField<&textOf<kSystemType>>("kernostype", "kern.ostype"),
+        zrm_eventField<&kernelText<kSystemType>>("kernostype", "kern.ostype"),
     };
     return kFields;
 }
