@@ -2,8 +2,8 @@
 """The main job, shown: a host application reports to a risk server on loopback over TLS.
 
 Runs the scriptable host twice against the reference risk server. The first run goes by the built-in
-settings; meanwhile the library fetches the server's, which switch navigation events on and calls off,
-and a device tag. The second run goes by what the first one fetched. Shows what the host was told
+settings; meanwhile the library fetches the server's, which switch navigation, the code signature and
+the applied settings on and calls off, and a device tag. The second run goes by what the first one fetched. Shows what the host was told
 beside what arrived, and ends with a status other than 0 when the two do not agree.
 """
 import argparse
@@ -20,27 +20,44 @@ import time
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 HOST_NAME = "risk.example.com"  # the library refuses hosts without a dot and numeric addresses
 TIMEOUT_SECONDS = 60
+FIELD_COLUMN = 100  # characters
+SHOWN_ELEMENTS = 3
 
-SETTINGS = {"uiNavigationEventDisabled": "false", "iosCallInfoEventDisabled": "true"}
+SETTINGS = {"uiNavigationEventDisabled": "false", "iosCallInfoEventDisabled": "true",
+            "iosApplicationSignatureEventDisabled": "false", "configEventDisabled": "false"}
+CALL = "7a1c2b3d-0000-4000-8000-00000000c0de"
 
-# Command, and what is expected of it: an error code or None, and the event that must arrive.
+# Command, what is expected of it (an error code or None), and the events that must arrive because of it.
 FIRST_RUN = [
-    ("version", None, None),
-    ("login alice SUCCESS", 3, None),  # before activation: not ready
-    ("activate", None, None),
-    ('login alice SUCCESS "Alice Example"', None, "UserLoginEvent"),
-    ("login alice INCORRECT_PASSWORD", None, "UserLoginEvent"),
-    ("session 3f8a-77c1", None, "SessionIdEvent"),
-    ("navigate /accounts/overview", 12, None),  # switched off by the built-in settings
-    ("logout", None, "UserLogoutEvent"),
-    ("drain 30", None, None),
+    ("version", None, []),
+    ("login alice SUCCESS", 3, []),  # before activation: not ready
+    ("activate", None, ["IOSCallInfoEvent"]),
+    ("analyze", None, ["ApplicationInfoEvent", "IOSFingerprintEvent", "TouchIdChangedEvent", "DeviceJailbreakEvent",
+                       "ScreenRecordingEvent", "VPNEvent"]),
+    ('login alice SUCCESS "Alice Example"', None, ["UserLoginEvent"]),
+    ("login alice INCORRECT_PASSWORD", None, ["UserLoginEvent"]),
+    ("session 3f8a-77c1", None, ["SessionIdEvent"]),
+    ("navigate /accounts/overview", 12, []),  # switched off by the built-in settings
+    (f"signal call {CALL} connected", None, ["IOSCallInfoEvent"]),
+    ("signal location-authorization when-in-use", None, []),
+    ("signal location-services on", None, []),
+    ("location", None, ["IOSGeoLocationEvent"]),
+    ("signal location 48.2082 16.3738 8", None, []),
+    ("logout", None, ["UserLogoutEvent"]),
+    ("drain 30", None, []),
 ]
 SECOND_RUN = [
-    ("activate", None, None),
-    ("tag", None, None),
-    ("navigate /accounts/overview", None, "UINavigationEvent"),  # switched on by the server's
-    ("logout", None, "UserLogoutEvent"),
-    ("drain 30", None, None),
+    # What has not changed since the first run, the bundle and the biometric state, is not told again.
+    ("start", None, ["IOSFingerprintEvent", "DeviceJailbreakEvent", "IOSApplicationSignatureEvent", "ConfigEvent",
+                     "ScreenRecordingEvent", "VPNEvent"]),
+    ("tag", None, []),
+    ("navigate /accounts/overview", None, ["UINavigationEvent"]),  # switched on by the server's
+    ("signal screenshot", None, ["iOSScreenshotEvent"]),
+    ("signal screen-captured on", None, ["ScreenRecordingEvent"]),
+    ("signal vpn on", None, []),
+    ("signal foreground", None, ["VPNEvent"]),
+    ("logout", None, ["UserLogoutEvent"]),
+    ("drain 30", None, []),
 ]
 
 
@@ -139,14 +156,28 @@ def show_answers(title, steps, answers):
     table(title, ("command", "answer"), rows)
 
 
+def shortened(text):
+    return text if len(text) <= FIELD_COLUMN else text[:FIELD_COLUMN - 1] + "…"
+
+
+def without_long_lists(value):
+    """The value with every list of more than a few elements cut, so that a page can be read."""
+    if isinstance(value, dict):
+        return {key: without_long_lists(member) for key, member in value.items()}
+    if isinstance(value, list):
+        shown = [without_long_lists(element) for element in value[:SHOWN_ELEMENTS]]
+        return shown + [f"… and {len(value) - SHOWN_ELEMENTS} more"] if len(value) > SHOWN_ELEMENTS else shown
+    return value
+
+
 def show_events(events):
     rows = [(entry["time"], entry["eventType"], entry["bytes"], entry["headers"].get("Mobile-UUID", ""),
-             json.dumps(own_fields(entry["event"]))) for entry in events]
+             shortened(json.dumps(own_fields(entry["event"]), ensure_ascii=False))) for entry in events]
     table("What arrived at the risk server", ("time", "event", "bytes", "Mobile-UUID", "own fields"), rows)
 
     print("\nThe same, decoded, as JSON\n")
     for entry in events:
-        print(json.dumps(entry["event"], indent=2, ensure_ascii=False))
+        print(json.dumps(without_long_lists(entry["event"]), indent=2, ensure_ascii=False))
 
 
 def verify(runs, events):
@@ -155,7 +186,7 @@ def verify(runs, events):
             told = answer["error"]["code"] if answer["error"] else None
             if told != code:
                 fail(f"'{step}' ended with {answer['error']}, expected code {code}")
-    expected = sorted(event for steps, _ in runs for _, _, event in steps if event)
+    expected = sorted(event for steps, _ in runs for _, _, awaited in steps for event in awaited)
     arrived = sorted(entry["eventType"] for entry in events)
     if arrived != expected:
         fail(f"expected to arrive: {expected}; arrived: {arrived}")

@@ -15,8 +15,8 @@ enum ZRMHostErrorCode : int {
     ZRMHostErrorUnknownCommand = 1,
     ZRMHostErrorWrongArguments = 2,  // their number or their form
     ZRMHostErrorUnbalancedQuotes = 3,
-    ZRMHostErrorNotAvailable = 4,  // the command exists, what it drives does not
-    ZRMHostErrorNoAnswer = 5,      // the library did not call its handler in time
+    // 4 stood for commands that drove nothing; a script may still look for it.
+    ZRMHostErrorNoAnswer = 5,  // the library did not call its handler in time
 };
 
 ZRMError zrm_hostError(ZRMHostErrorCode code, const std::string& message);

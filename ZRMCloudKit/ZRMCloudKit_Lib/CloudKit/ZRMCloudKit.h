@@ -31,7 +31,7 @@ class ZRMCloudKit {
     [[nodiscard]] virtual std::string secureDeviceTag() const = 0;
 
     // How many events are queued and not yet answered by the server, those of earlier runs
-    // included; 0 before start().
+    // included. Work on the core's queue counts as one event until it is done.
     [[nodiscard]] virtual std::size_t pendingEventCount() const = 0;
     // How many of them are not in the store yet and would be lost if the process ended now.
     [[nodiscard]] virtual std::size_t unstoredEventCount() const = 0;

@@ -116,12 +116,12 @@ std::string ZRMCloudKitImpl::secureDeviceTag() const {
 
 std::size_t ZRMCloudKitImpl::pendingEventCount() const {
     const auto core = started();
-    return core ? core->statisticsService->pendingEventCount() : 0;
+    return *worksUnderWay_ + (core ? core->statisticsService->pendingEventCount() : 0);
 }
 
 std::size_t ZRMCloudKitImpl::unstoredEventCount() const {
     const auto core = started();
-    return core ? core->statisticsService->unstoredEventCount() : 0;
+    return *worksUnderWay_ + (core ? core->statisticsService->unstoredEventCount() : 0);
 }
 
 std::map<std::string, std::string> ZRMCloudKitImpl::customHeaders() const {
@@ -138,11 +138,15 @@ bool ZRMCloudKitImpl::send(std::int16_t priority, const MakeEvent& makeEvent) {
 }
 
 void ZRMCloudKitImpl::perform(std::function<void(ZRMCloudKitImpl& core)> work) {
-    queue_.addOperationWithBlock([weak = weak_from_this(), work = std::move(work)] {
-        if (const auto core = weak.lock()) {
-            work(*core);
-        }
-    });
+    ++*worksUnderWay_;
+    queue_.addOperationWithBlock(
+        [weak = weak_from_this(), work = std::move(work), underWay = worksUnderWay_] {
+            if (const auto core = weak.lock()) {
+                work(*core);
+            }
+            // Only now: what the work sent is counted by the service already.
+            --*underWay;
+        });
 }
 
 void ZRMCloudKitImpl::logNotAvailable(const char* name) const {

@@ -1,6 +1,7 @@
 // The event core.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -126,6 +127,9 @@ class ZRMCloudKitImpl final : public ZRMCloudKit,
     const ZRMCloudKitDetectors detectors_;
     const ZRMStatisticsServiceMaker makeStatisticsService_;
     const std::shared_ptr<ZRMCloudKitSettings> settings_;
+    // Work given to perform() that has not ended; it may outlive the core.
+    const std::shared_ptr<std::atomic<std::size_t>> worksUnderWay_ =
+        std::make_shared<std::atomic<std::size_t>>(0);
     ZRMOperationQueue queue_;
 
     mutable std::mutex mutex_;  // guards what follows; never held while calling out

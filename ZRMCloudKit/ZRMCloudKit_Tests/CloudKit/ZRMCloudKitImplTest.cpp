@@ -60,6 +60,19 @@ TEST_F(ZRMCloudKitImplTest, StartsAStatisticsServiceMadeFromItsConfiguration) {
     EXPECT_EQ(core->unstoredEventCount(), 7U);
 }
 
+TEST_F(ZRMCloudKitImplTest, CountsWorkOnItsQueueAsEventsUntilItHasSentThem) {
+    const auto core = makeStartedCore();
+    core->sendConfigEvent();
+    core->sendLogEvent({"line"});
+    EXPECT_THAT(service_->sent, IsEmpty());
+    EXPECT_EQ(core->pendingEventCount(), 2U);
+    EXPECT_EQ(core->unstoredEventCount(), 2U);
+    device_.runUntilIdle();
+    EXPECT_EQ(service_->sent.size(), 2U);
+    EXPECT_EQ(core->pendingEventCount(), 2U);
+    EXPECT_EQ(core->unstoredEventCount(), 0U);
+}
+
 TEST_F(ZRMCloudKitImplTest, SnapshotsTheEnvironmentOnceAtTheStart) {
     configuration_.clientId = "bank";
     configuration_.execSessionId = "SESSION";

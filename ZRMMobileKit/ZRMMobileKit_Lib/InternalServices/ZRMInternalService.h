@@ -35,7 +35,8 @@ class ZRMInternalService {
                            const CompletionHandler& completionHandler) = 0;
     virtual void performAfterStartActionsWithCompletionHandler(
         const CompletionHandler& completionHandler) = 0;
-    // Events that were taken over and that the server has not answered yet.
+    // Events that were taken over and that the server has not answered yet; a request that has not
+    // made its event yet counts as one.
     [[nodiscard]] virtual std::size_t pendingEventCount() const = 0;
     // Those of them that would be lost if the process ended now.
     [[nodiscard]] virtual std::size_t unstoredEventCount() const = 0;

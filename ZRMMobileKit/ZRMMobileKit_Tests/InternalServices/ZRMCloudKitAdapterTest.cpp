@@ -283,6 +283,20 @@ TEST_F(ZRMCloudKitAdapterTest, LocationRequestsNeverOverlap) {
     EXPECT_EQ(core().locationRequests.size(), 2u);
 }
 
+TEST_F(ZRMCloudKitAdapterTest, ALocationThatIsStillBeingLookedForIsPendingButNotUnstored) {
+    activate();
+    send(Event::GeoLocation);
+    send(Event::GeoLocation);
+    device_.runUntilIdle();
+    EXPECT_EQ(adapter().pendingEventCount(), 2u);
+    EXPECT_EQ(adapter().unstoredEventCount(), 0u);
+    core().locationRequests.at(0)(std::nullopt);
+    device_.runUntilIdle();
+    core().locationRequests.at(1)(std::nullopt);
+    device_.runUntilIdle();
+    EXPECT_EQ(adapter().pendingEventCount(), 0u);
+}
+
 TEST_F(ZRMCloudKitAdapterTest, LocationFailureIsLoggedAndTheNextRequestStillRuns) {
     const ZRMRecordedLog log;
     activate();

@@ -113,7 +113,8 @@ class ZRM_EXPORT ZRMMobileService {
     [[nodiscard]] std::optional<std::string> deviceTag() const;
 
     // How many reports the library has taken over that the server has not answered yet, those of
-    // earlier runs of the application and the library's own included; 0 before activation.
+    // earlier runs of the application and the library's own included; a location or a signal of the
+    // device that is still being looked for counts as one. 0 before activation.
     [[nodiscard]] std::size_t pendingEventCount() const;
 
     // How many of them are still on their way into the device's store, which takes milliseconds. An

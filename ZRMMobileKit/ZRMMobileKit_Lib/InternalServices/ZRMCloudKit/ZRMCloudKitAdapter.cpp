@@ -153,7 +153,7 @@ void ZRMCloudKitAdapter::stopWithCompletionHandler(const CompletionHandler& comp
 
 std::size_t ZRMCloudKitAdapter::pendingEventCount() const {
     const auto core = cloudKit();
-    return core ? core->pendingEventCount() : 0;
+    return queue_.operationCount() + (core ? core->pendingEventCount() : 0);
 }
 
 std::size_t ZRMCloudKitAdapter::unstoredEventCount() const {
