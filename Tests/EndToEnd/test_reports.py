@@ -110,14 +110,6 @@ class Reports(EndToEndTest):
         self.assertEqual(host.run("signal battery 2 full")["error"]["code"], 2)
         self.assertEqual(host.end(), 0)
 
-    def test_what_this_version_lacks_is_no_success(self):
-        server = self.start_server()
-        host = self.start_host(server.port)
-        self.assertEqual(host.run("location")["error"]["code"], 3)
-        host.run_all(["activate"])
-        error = host.run("location")["error"]
-        self.assertEqual((error["domain"], error["code"]), ("ZRMHostErrorDomain", 4))
-
     def test_a_url_that_is_none_fails_activation(self):
         server = self.start_server()
         host = self.start_host(server.port, url="https://127.0.0.1/stat")
