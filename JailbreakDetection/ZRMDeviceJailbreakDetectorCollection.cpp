@@ -36,7 +36,7 @@ ZRMDeviceJailbreakDetectorCollection::ZRMDeviceJailbreakDetectorCollection(
     : jailbreakDetectors_(std::move(jailbreakDetectors)), cacheResults_(cacheResults) {}
 
 bool ZRMDeviceJailbreakDetectorCollection::isJailbroken() {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     if (cacheResults_ && hasCachedResults_) {
         return cachedJailbreakDetectionVerdict_;
     }

@@ -3,10 +3,10 @@
 
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <vector>
 
 #include "JailbreakDetection/ZRMDeviceJailbreakDetector.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 
 // May be used from any thread; callers of isJailbroken() run the detectors one after another.
@@ -32,8 +32,8 @@ class ZRMDeviceJailbreakDetectorCollection {
     const Detectors jailbreakDetectors_;
     const bool cacheResults_;
 
-    std::mutex mutex_;
+    ZRMMutex mutex_;
     // Guarded by the mutex. Kept even where results are not to be cached.
-    bool hasCachedResults_ = false;
-    bool cachedJailbreakDetectionVerdict_ = false;
+    bool hasCachedResults_ ZRM_GUARDED_BY(mutex_) = false;
+    bool cachedJailbreakDetectionVerdict_ ZRM_GUARDED_BY(mutex_) = false;
 };

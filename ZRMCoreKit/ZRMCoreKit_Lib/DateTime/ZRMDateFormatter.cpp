@@ -1,7 +1,6 @@
 #include "ZRMCoreKit/ZRMCoreKit_Lib/DateTime/ZRMDateFormatter.h"
 
 #include <cmath>
-#include <mutex>
 
 #include <unicode/gregocal.h>
 #include <unicode/smpdtfmt.h>
@@ -9,6 +8,7 @@
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLog.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMText.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMUnicodeString.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 namespace {
 
@@ -47,7 +47,7 @@ class ZRMDateFormatter::IcuFormat {
     std::string stringFromMilliseconds(double milliseconds) {
         icu::UnicodeString text;
         if (format_) {
-            const std::lock_guard lock(mutex_);
+            const ZRMLockGuard lock(mutex_);
             format_->format(milliseconds, text);
         }
         std::string utf8;
@@ -60,7 +60,7 @@ class ZRMDateFormatter::IcuFormat {
         icu::ParsePosition position(0);
         UDate milliseconds = 0;
         if (format_) {
-            const std::lock_guard lock(mutex_);
+            const ZRMLockGuard lock(mutex_);
             milliseconds = format_->parse(unicode, position);
         }
         const bool isWhole = position.getErrorIndex() < 0 && position.getIndex() > 0 &&
@@ -69,8 +69,9 @@ class ZRMDateFormatter::IcuFormat {
     }
 
   private:
-    std::mutex mutex_;
-    std::unique_ptr<icu::SimpleDateFormat> format_;  // absent when ICU refused
+    ZRMMutex mutex_;
+    std::unique_ptr<icu::SimpleDateFormat> format_
+        ZRM_PT_GUARDED_BY(mutex_);  // absent when ICU refused
 };
 
 ZRMDateFormatter::ZRMDateFormatter(std::string_view pattern, std::string_view timeZone,

@@ -9,12 +9,12 @@ ZRMKeptAlive& ZRMKeptAlive::instance() {
 
 void ZRMKeptAlive::keep(std::shared_ptr<void> object) {
     const void* key = object.get();
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     objects_.try_emplace(key, std::move(object));
 }
 
 std::shared_ptr<void> ZRMKeptAlive::release(const void* object) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     auto node = objects_.extract(object);
     return node.empty() ? nullptr : std::move(node.mapped());
 }

@@ -2,8 +2,9 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 #include <unordered_map>
+
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 // The process's one set. Never destroyed, so nothing races at exit. May be used from any thread;
 // its lock is taken last.
@@ -16,6 +17,6 @@ class ZRMKeptAlive {
     [[nodiscard]] std::shared_ptr<void> release(const void* object);
 
   private:
-    std::mutex mutex_;
-    std::unordered_map<const void*, std::shared_ptr<void>> objects_;
+    ZRMMutex mutex_;
+    std::unordered_map<const void*, std::shared_ptr<void>> objects_ ZRM_GUARDED_BY(mutex_);
 };

@@ -10,7 +10,7 @@ std::shared_ptr<ZRMLoggerCollection> ZRMLoggerCollection::sharedInstance() {
 }
 
 void ZRMLoggerCollection::addLogger(std::shared_ptr<ZRMLogger> logger) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     if (!logger || std::ranges::find(collection_, logger, &Member::logger) != collection_.end()) {
         return;
     }
@@ -24,7 +24,7 @@ void ZRMLoggerCollection::logMessage(const std::string& message, ZRMLogLevel lev
 
 void ZRMLoggerCollection::logMessage(const std::string& message, ZRMLogLevel level,
                                      const ZRMLogger* excludeLogger) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     for (const auto* member = first_.load(); member != nullptr; member = member->next.load()) {
         if (member->logger.get() != excludeLogger) {
             member->logger->logMessage(message, level);

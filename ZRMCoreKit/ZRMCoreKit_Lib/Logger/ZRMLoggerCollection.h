@@ -4,10 +4,10 @@
 #include <atomic>
 #include <deque>
 #include <memory>
-#include <mutex>
 #include <string>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLogger.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 // May be used from any thread. The lock is held while a line is passed on, so all loggers see the
 // lines in one order; it is re-entrant because a logger's observers may log in turn.
@@ -36,7 +36,7 @@ class ZRMLoggerCollection {
         std::atomic<const Member*> next = nullptr;
     };
 
-    std::recursive_mutex mutex_;
-    std::deque<Member> collection_;  // guarded by the mutex; its members never move
+    ZRMRecursiveMutex mutex_;
+    std::deque<Member> collection_ ZRM_GUARDED_BY(mutex_);  // its members never move
     std::atomic<const Member*> first_ = nullptr;
 };

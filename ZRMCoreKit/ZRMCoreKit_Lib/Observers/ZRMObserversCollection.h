@@ -4,11 +4,11 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <utility>
 #include <vector>
 
 #include "ZRMPlatform/Ports/ZRMConsoleLog.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 // May be used from any thread. A member that was destroyed drops out by itself. The lock is held
 // during notification: a callback must not add or remove observers of the same collection.
@@ -20,7 +20,7 @@ class ZRMObserversCollection {
 
     // A member that is there already is left alone, with a warning on the console.
     void addObserver(const std::shared_ptr<Observer>& observer) {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         dropDestroyed();
         if (find(observer.get()) != observers_.end()) {
             consoleLog_->write("<WARNING>: Attempt to add observer which had been added already\n");
@@ -31,7 +31,7 @@ class ZRMObserversCollection {
 
     // By address, so that an observer may leave in its own destructor.
     void removeObserver(const Observer* observer) {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         const auto member = find(observer);
         if (member == observers_.end()) {
             consoleLog_->write(
@@ -42,7 +42,7 @@ class ZRMObserversCollection {
     }
 
     void removeAll() {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         observers_.clear();
     }
 
@@ -50,7 +50,7 @@ class ZRMObserversCollection {
     void notifyWithBlock(const std::function<void(Observer&)>& block) {
         // Let go of after the lock: one of them may be the last, and leave in its destructor.
         std::vector<std::shared_ptr<Observer>> living;
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         dropDestroyed();
         for (const auto& member : observers_) {
             if (auto observer = member.weak.lock()) {
@@ -68,15 +68,15 @@ class ZRMObserversCollection {
         const Observer* address;
     };
 
-    auto find(const Observer* observer) {
+    auto find(const Observer* observer) ZRM_REQUIRES(mutex_) {
         return std::ranges::find(observers_, observer, &Member::address);
     }
 
-    void dropDestroyed() {
+    void dropDestroyed() ZRM_REQUIRES(mutex_) {
         std::erase_if(observers_, [](const Member& member) { return member.weak.expired(); });
     }
 
     std::shared_ptr<ZRMConsoleLog> consoleLog_;
-    std::mutex mutex_;
-    std::vector<Member> observers_;
+    ZRMMutex mutex_;
+    std::vector<Member> observers_ ZRM_GUARDED_BY(mutex_);
 };

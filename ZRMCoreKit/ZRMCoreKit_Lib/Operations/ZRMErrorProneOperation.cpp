@@ -3,7 +3,7 @@
 #include <utility>
 
 std::optional<ZRMError> ZRMErrorProneOperation::error() const {
-    const std::lock_guard lock(errorMutex_);
+    const ZRMLockGuard lock(errorMutex_);
     return error_;
 }
 
@@ -22,7 +22,7 @@ void ZRMErrorProneOperation::finishWithError(std::optional<ZRMError> error) {
     }
     willChangeValueForKey("error");
     {
-        const std::lock_guard lock(errorMutex_);
+        const ZRMLockGuard lock(errorMutex_);
         error_ = std::move(error);
     }
     didChangeValueForKey("error");

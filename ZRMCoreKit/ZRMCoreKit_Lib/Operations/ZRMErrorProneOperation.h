@@ -2,11 +2,11 @@
 #pragma once
 
 #include <atomic>
-#include <mutex>
 #include <optional>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Operations/ZRMAsynchronousOperation.h"
 #include "ZRMPlatform/Ports/Values/ZRMError.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 class ZRMErrorProneOperation : public ZRMAsynchronousOperation {
   public:
@@ -28,6 +28,6 @@ class ZRMErrorProneOperation : public ZRMAsynchronousOperation {
     [[nodiscard]] bool claimEnd();
 
     std::atomic<bool> endClaimed_ = false;
-    mutable std::mutex errorMutex_;
-    std::optional<ZRMError> error_;
+    mutable ZRMMutex errorMutex_;
+    std::optional<ZRMError> error_ ZRM_GUARDED_BY(errorMutex_);
 };

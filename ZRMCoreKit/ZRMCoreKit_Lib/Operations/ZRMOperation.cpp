@@ -40,17 +40,17 @@ bool ZRMOperation::isReady() const {
 }
 
 void ZRMOperation::addDependency(std::shared_ptr<ZRMOperation> operation) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     dependencies_.push_back(std::move(operation));
 }
 
 std::vector<std::shared_ptr<ZRMOperation>> ZRMOperation::dependencies() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return dependencies_;
 }
 
 void ZRMOperation::addChangeObserver(ChangeObserver observer) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     auto observers =
         observers_ ? std::make_shared<Observers>(*observers_) : std::make_shared<Observers>();
     observers->push_back(std::move(observer));
@@ -71,7 +71,7 @@ void ZRMOperation::didChangeValueForKey(const std::string& key) {
 void ZRMOperation::announce(const std::string& key, bool isPrior) {
     std::shared_ptr<const Observers> observers;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         observers = observers_;
     }
     if (!observers) {
@@ -85,7 +85,7 @@ void ZRMOperation::announce(const std::string& key, bool isPrior) {
 void ZRMOperation::letGo() {
     std::vector<std::shared_ptr<ZRMOperation>> dependencies;
     std::shared_ptr<const Observers> observers;
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     dependencies.swap(dependencies_);
     observers.swap(observers_);
 }
@@ -94,7 +94,7 @@ std::shared_ptr<ZRMOperation> ZRMOperation::unfinishedDependency(std::size_t& po
     for (;; ++position) {
         std::shared_ptr<ZRMOperation> dependency;
         {
-            const std::lock_guard lock(mutex_);
+            const ZRMLockGuard lock(mutex_);
             if (position >= dependencies_.size()) {
                 return nullptr;
             }

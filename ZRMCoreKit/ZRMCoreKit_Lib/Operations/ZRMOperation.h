@@ -4,9 +4,10 @@
 #include <atomic>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
+
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 // Always owned by shared_ptr. State may be read from any thread. Runs once; its code must not
 // throw.
@@ -66,7 +67,8 @@ class ZRMOperation : public std::enable_shared_from_this<ZRMOperation> {
     std::atomic<bool> finished_ = false;
     std::atomic<bool> enqueued_ = false;
 
-    mutable std::mutex mutex_;  // guards what follows
-    std::vector<std::shared_ptr<ZRMOperation>> dependencies_;
-    std::shared_ptr<const Observers> observers_;  // replaced, never changed, so it is read unlocked
+    mutable ZRMMutex mutex_;  // guards what follows
+    std::vector<std::shared_ptr<ZRMOperation>> dependencies_ ZRM_GUARDED_BY(mutex_);
+    std::shared_ptr<const Observers> observers_
+        ZRM_GUARDED_BY(mutex_);  // replaced, never changed, so it is read unlocked
 };

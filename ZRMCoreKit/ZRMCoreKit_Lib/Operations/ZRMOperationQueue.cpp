@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <cstdint>
 #include <map>
-#include <mutex>
 #include <set>
 #include <utility>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Helpers/ZRMKeptAlive.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Operations/ZRMBlockOperation.h"
 #include "ZRMPlatform/Ports/Values/ZRMError.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 std::string zrm_queueNameForClass(const std::string& className) {
     return className + ".queue";
@@ -49,27 +49,27 @@ class ZRMOperationQueue::State : public std::enable_shared_from_this<State> {
     void makeReady(Sequence sequence);
     void finished(Sequence sequence);
     void runNext();
-    void postWorkers();  // under the lock
-    [[nodiscard]] bool hasRoom() const;
+    void postWorkers() ZRM_REQUIRES(mutex_);
+    [[nodiscard]] bool hasRoom() const ZRM_REQUIRES(mutex_);
 
     const std::shared_ptr<ZRMQueue> queue_;
     const std::string name_;
     const int limit_;
 
-    mutable std::mutex mutex_;  // guards what follows; taken before any lock of the executor
-    std::map<Sequence, Entry> entries_;
-    std::set<Sequence> ready_;
-    Sequence nextSequence_ = 0;
-    std::size_t workers_ = 0;  // posted and not yet begun
-    std::size_t running_ = 0;
-    bool suspended_ = false;
-    bool abandoned_ = false;
+    mutable ZRMMutex mutex_;  // guards what follows; taken before any lock of the executor
+    std::map<Sequence, Entry> entries_ ZRM_GUARDED_BY(mutex_);
+    std::set<Sequence> ready_ ZRM_GUARDED_BY(mutex_);
+    Sequence nextSequence_ ZRM_GUARDED_BY(mutex_) = 0;
+    std::size_t workers_ ZRM_GUARDED_BY(mutex_) = 0;  // posted and not yet begun
+    std::size_t running_ ZRM_GUARDED_BY(mutex_) = 0;
+    bool suspended_ ZRM_GUARDED_BY(mutex_) = false;
+    bool abandoned_ ZRM_GUARDED_BY(mutex_) = false;
 };
 
 void ZRMOperationQueue::State::add(const std::vector<std::shared_ptr<ZRMOperation>>& operations) {
     Sequence first = 0;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         first = nextSequence_;
         for (const auto& operation : operations) {
             entries_[nextSequence_++] = {operation, Phase::Blocked};
@@ -118,7 +118,7 @@ void ZRMOperationQueue::State::awaitDependencies(const std::shared_ptr<ZRMOperat
 }
 
 void ZRMOperationQueue::State::makeReady(Sequence sequence) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     const auto entry = entries_.find(sequence);
     if (entry == entries_.end() || entry->second.phase != Phase::Blocked) {
         return;
@@ -132,7 +132,7 @@ void ZRMOperationQueue::State::finished(Sequence sequence) {
     // Destroyed after the lock is given up: both may be the last reference.
     std::map<Sequence, Entry>::node_type entry;
     std::shared_ptr<void> self;
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     entry = entries_.extract(sequence);
     if (entry.empty()) {
         return;
@@ -150,7 +150,7 @@ void ZRMOperationQueue::State::finished(Sequence sequence) {
 void ZRMOperationQueue::State::runNext() {
     std::shared_ptr<ZRMOperation> operation;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         --workers_;
         if (suspended_ || ready_.empty()) {
             return;
@@ -176,18 +176,18 @@ bool ZRMOperationQueue::State::hasRoom() const {
 }
 
 void ZRMOperationQueue::State::setSuspended(bool suspended) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     suspended_ = suspended;
     postWorkers();
 }
 
 bool ZRMOperationQueue::State::isSuspended() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return suspended_;
 }
 
 std::vector<std::shared_ptr<ZRMOperation>> ZRMOperationQueue::State::operations() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     std::vector<std::shared_ptr<ZRMOperation>> all;
     all.reserve(entries_.size());
     for (const auto& [sequence, entry] : entries_) {
@@ -197,12 +197,12 @@ std::vector<std::shared_ptr<ZRMOperation>> ZRMOperationQueue::State::operations(
 }
 
 std::size_t ZRMOperationQueue::State::operationCount() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return entries_.size();
 }
 
 void ZRMOperationQueue::State::abandon() {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     abandoned_ = true;
     suspended_ = false;
     if (!entries_.empty()) {

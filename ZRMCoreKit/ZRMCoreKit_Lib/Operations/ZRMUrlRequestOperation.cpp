@@ -11,6 +11,7 @@
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Numbers/ZRMNumbers.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Operations/ZRMUrlRetryPolicy.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Timer/ZRMTimer.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 // What attempts change, on the session's thread, the run loop's and that of cancel().
 struct ZRMUrlRequestOperation::Attempts {
@@ -21,15 +22,15 @@ struct ZRMUrlRequestOperation::Attempts {
 
     const double maxRetryIntervalSeconds;
 
-    mutable std::mutex mutex;  // guards what follows; taken before any lock of the session
-    ZRMUrlRequest mutableRequest;
-    double retryTimeoutSeconds;
-    std::optional<ZRMData> data;
-    std::optional<ZRMUrlResponse> response;
-    std::shared_ptr<ZRMUrlSession> urlSession;
-    std::shared_ptr<ZRMTimer> retryTimer;
-    std::shared_ptr<ZRMRunLoop> runLoop;
-    bool cancelled = false;
+    mutable ZRMMutex mutex;  // guards what follows; taken before any lock of the session
+    ZRMUrlRequest mutableRequest ZRM_GUARDED_BY(mutex);
+    double retryTimeoutSeconds ZRM_GUARDED_BY(mutex);
+    std::optional<ZRMData> data ZRM_GUARDED_BY(mutex);
+    std::optional<ZRMUrlResponse> response ZRM_GUARDED_BY(mutex);
+    std::shared_ptr<ZRMUrlSession> urlSession ZRM_GUARDED_BY(mutex);
+    std::shared_ptr<ZRMTimer> retryTimer ZRM_GUARDED_BY(mutex);
+    std::shared_ptr<ZRMRunLoop> runLoop ZRM_GUARDED_BY(mutex);
+    bool cancelled ZRM_GUARDED_BY(mutex) = false;
 };
 
 namespace {
@@ -72,7 +73,7 @@ ZRMUrlRequestOperation::~ZRMUrlRequestOperation() {
 }
 
 ZRMUrlRequest ZRMUrlRequestOperation::request() const {
-    const std::lock_guard lock(attempts_->mutex);
+    const ZRMLockGuard lock(attempts_->mutex);
     return attempts_->mutableRequest;
 }
 
@@ -81,24 +82,24 @@ bool ZRMUrlRequestOperation::isRetriable() const {
 }
 
 double ZRMUrlRequestOperation::retryTimeoutSeconds() const {
-    const std::lock_guard lock(attempts_->mutex);
+    const ZRMLockGuard lock(attempts_->mutex);
     return attempts_->retryTimeoutSeconds;
 }
 
 std::optional<ZRMData> ZRMUrlRequestOperation::data() const {
-    const std::lock_guard lock(attempts_->mutex);
+    const ZRMLockGuard lock(attempts_->mutex);
     return attempts_->data;
 }
 
 std::optional<ZRMUrlResponse> ZRMUrlRequestOperation::response() const {
-    const std::lock_guard lock(attempts_->mutex);
+    const ZRMLockGuard lock(attempts_->mutex);
     return attempts_->response;
 }
 
 void ZRMUrlRequestOperation::cancel() {
     std::shared_ptr<ZRMUrlSession> session;
     {
-        const std::lock_guard lock(attempts_->mutex);
+        const ZRMLockGuard lock(attempts_->mutex);
         attempts_->cancelled = true;
         session.swap(attempts_->urlSession);
     }
@@ -123,7 +124,7 @@ void ZRMUrlRequestOperation::startSession() {
     }
     auto session = platform_->urlSessions->makeSession(configurationFor(*request));
     zrm_logVerbose(this, [&] { return "Creating url session for " + request->url; });
-    const std::lock_guard lock(attempts_->mutex);
+    const ZRMLockGuard lock(attempts_->mutex);
     // Under the lock, so that cancel() finds a session it can end or prevents its start.
     if (attempts_->cancelled) {
         return;
@@ -138,7 +139,7 @@ void ZRMUrlRequestOperation::startSession() {
 
 std::optional<ZRMUrlRequest> ZRMUrlRequestOperation::prepareRequest() {
     const auto now = zrm_int64FromDouble(platform_->clock->now().secondsSince1970);
-    const std::lock_guard lock(attempts_->mutex);
+    const ZRMLockGuard lock(attempts_->mutex);
     if (attempts_->cancelled || isFinished()) {
         return std::nullopt;
     }
@@ -152,7 +153,7 @@ void ZRMUrlRequestOperation::exchangeEnded(ZRMUrlExchange exchange) {
     std::shared_ptr<ZRMUrlSession> session;
     double retryTimeoutSeconds = 0;
     {
-        const std::lock_guard lock(attempts_->mutex);
+        const ZRMLockGuard lock(attempts_->mutex);
         if (attempts_->cancelled || isFinished()) {
             return;
         }
@@ -181,7 +182,7 @@ void ZRMUrlRequestOperation::scheduleRetry() {
     std::shared_ptr<ZRMRunLoop> runLoop;
     double delaySeconds = 0;
     {
-        const std::lock_guard lock(attempts_->mutex);
+        const ZRMLockGuard lock(attempts_->mutex);
         oldTimer.swap(attempts_->retryTimer);
         runLoop = attempts_->runLoop;
         delaySeconds = zrm_calculateRetryTimeout(attempts_->retryTimeoutSeconds,
@@ -205,7 +206,7 @@ void ZRMUrlRequestOperation::scheduleRetry() {
         runLoop = makeRunLoopWithMode(ZRMRunLoopMode::Default);
     }
     {
-        const std::lock_guard lock(attempts_->mutex);
+        const ZRMLockGuard lock(attempts_->mutex);
         attempts_->retryTimer = timer;
         attempts_->runLoop = runLoop;
     }

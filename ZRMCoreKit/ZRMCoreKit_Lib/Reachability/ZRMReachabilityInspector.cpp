@@ -122,7 +122,7 @@ void ZRMReachabilityInspector::removeObserver(const ZRMReachabilityInspectorObse
 }
 
 bool ZRMReachabilityInspector::isNotifierStarted() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return runLoop_ != nullptr;
 }
 
@@ -149,7 +149,7 @@ bool ZRMReachabilityInspector::startNotifierWithRunLoop(std::shared_ptr<ZRMRunLo
     if (!isRegistered || !reachabilityRef_->schedule(runLoop->queue())) {
         return false;
     }
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     runLoop_ = std::move(runLoop);
     return true;
 }
@@ -157,7 +157,7 @@ bool ZRMReachabilityInspector::startNotifierWithRunLoop(std::shared_ptr<ZRMRunLo
 void ZRMReachabilityInspector::stopNotifier() {
     std::shared_ptr<ZRMRunLoop> runLoop;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         runLoop.swap(runLoop_);
     }
     if (runLoop) {

@@ -3,12 +3,12 @@
 
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <string>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Observers/ZRMObserversCollection.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Reachability/ZRMNetworkStatus.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/RunLoop/ZRMRunLoop.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 
 class ZRMReachabilityInspector;
@@ -87,6 +87,6 @@ class ZRMReachabilityInspector final
     const std::shared_ptr<ZRMExecutor> executor_;
     const std::shared_ptr<ZRMConsoleLog> consoleLog_;
     ZRMObserversCollection<ZRMReachabilityInspectorObserver> observers_;
-    mutable std::mutex mutex_;  // guards what follows
-    std::shared_ptr<ZRMRunLoop> runLoop_;
+    mutable ZRMMutex mutex_;  // guards what follows
+    std::shared_ptr<ZRMRunLoop> runLoop_ ZRM_GUARDED_BY(mutex_);
 };

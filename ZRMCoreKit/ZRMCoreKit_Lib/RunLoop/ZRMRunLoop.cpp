@@ -43,7 +43,7 @@ void ZRMRunLoop::perform(const std::function<void()>& work) {
 
 void ZRMRunLoop::addTimer(const std::shared_ptr<ZRMTimer>& timer) {
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         if (ended_ || !timer->isValid()) {
             return;
         }
@@ -55,7 +55,7 @@ void ZRMRunLoop::addTimer(const std::shared_ptr<ZRMTimer>& timer) {
 
 void ZRMRunLoop::removeTimer(const std::shared_ptr<ZRMTimer>& timer) {
     std::shared_ptr<void> self;
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     timers_.erase(timer);
     if (timers_.empty()) {
         self = ZRMKeptAlive::instance().release(this);
@@ -65,7 +65,7 @@ void ZRMRunLoop::removeTimer(const std::shared_ptr<ZRMTimer>& timer) {
 void ZRMRunLoop::end() {
     std::unordered_set<std::shared_ptr<ZRMTimer>> timers;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         ended_ = true;
         timers = timers_;
     }
@@ -75,6 +75,6 @@ void ZRMRunLoop::end() {
 }
 
 bool ZRMRunLoop::isEnded() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return ended_;
 }

@@ -3,10 +3,10 @@
 
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <unordered_set>
 
 #include "ZRMPlatform/Ports/ZRMExecutor.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 class ZRMTimer;
 
@@ -44,7 +44,7 @@ class ZRMRunLoop : public std::enable_shared_from_this<ZRMRunLoop> {
     void removeTimer(const std::shared_ptr<ZRMTimer>& timer);
 
     const std::shared_ptr<ZRMQueue> queue_;
-    mutable std::mutex mutex_;  // guards what follows; never held while work runs
-    bool ended_ = false;
-    std::unordered_set<std::shared_ptr<ZRMTimer>> timers_;
+    mutable ZRMMutex mutex_;  // guards what follows; never held while work runs
+    bool ended_ ZRM_GUARDED_BY(mutex_) = false;
+    std::unordered_set<std::shared_ptr<ZRMTimer>> timers_ ZRM_GUARDED_BY(mutex_);
 };

@@ -9,7 +9,7 @@ ZRMServerTimeProvider::ZRMServerTimeProvider(std::shared_ptr<ZRMClock> clock)
     : clock_(std::move(clock)) {}
 
 void ZRMServerTimeProvider::setTime(const std::string& dateHeader) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     if (serverResponseTime_ != 0 || dateHeader.empty()) {
         return;
     }
@@ -19,7 +19,7 @@ void ZRMServerTimeProvider::setTime(const std::string& dateHeader) {
 }
 
 std::int64_t ZRMServerTimeProvider::getTime() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     if (serverResponseTime_ == 0) {
         return 0;
     }
@@ -27,6 +27,6 @@ std::int64_t ZRMServerTimeProvider::getTime() const {
 }
 
 bool ZRMServerTimeProvider::isValid() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return serverResponseTime_ != 0;
 }

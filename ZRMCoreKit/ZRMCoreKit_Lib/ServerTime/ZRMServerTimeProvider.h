@@ -3,10 +3,10 @@
 
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <string>
 
 #include "ZRMPlatform/Ports/ZRMClock.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 // May be used from any thread.
 class ZRMServerTimeProvider {
@@ -22,7 +22,8 @@ class ZRMServerTimeProvider {
 
   private:
     std::shared_ptr<ZRMClock> clock_;
-    mutable std::mutex mutex_;
-    std::int64_t serverResponseTime_ = 0;  // milliseconds since 1970
-    std::int64_t upTime_ = 0;              // milliseconds of uptime when the date was taken
+    mutable ZRMMutex mutex_;
+    std::int64_t serverResponseTime_ ZRM_GUARDED_BY(mutex_) = 0;  // milliseconds since 1970
+    std::int64_t upTime_ ZRM_GUARDED_BY(mutex_) =
+        0;  // milliseconds of uptime when the date was taken
 };

@@ -27,7 +27,7 @@ void ZRMTimer::schedule(const std::shared_ptr<ZRMRunLoop>& runLoop) {
         }
     };
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         runLoop_ = runLoop;
         handle_ = repeats_ ? runLoop->queue()->postEvery(intervalSeconds_, std::move(task))
                            : runLoop->queue()->postAfter(intervalSeconds_, std::move(task));
@@ -54,7 +54,7 @@ void ZRMTimer::invalidate() {
     std::shared_ptr<ZRMTimerHandle> handle;
     std::shared_ptr<ZRMRunLoop> runLoop;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         handle.swap(handle_);
         runLoop = runLoop_.lock();
     }

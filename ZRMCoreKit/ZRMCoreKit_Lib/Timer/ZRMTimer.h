@@ -4,10 +4,10 @@
 #include <atomic>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Helpers/ZRMBlockHolder.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 #include "ZRMPlatform/Ports/ZRMQueue.h"
 
 class ZRMRunLoop;
@@ -45,7 +45,7 @@ class ZRMTimer : public std::enable_shared_from_this<ZRMTimer> {
     const UserInfo userInfo_;
     std::atomic<bool> valid_ = true;
 
-    std::mutex mutex_;  // guards what follows
-    std::shared_ptr<ZRMTimerHandle> handle_;
-    std::weak_ptr<ZRMRunLoop> runLoop_;
+    ZRMMutex mutex_;  // guards what follows
+    std::shared_ptr<ZRMTimerHandle> handle_ ZRM_GUARDED_BY(mutex_);
+    std::weak_ptr<ZRMRunLoop> runLoop_ ZRM_GUARDED_BY(mutex_);
 };

@@ -1,9 +1,9 @@
 #include "ZRMJWS/ZRMJWS_Lib/Verifier/ZRMJwsSignatureVerifier.h"
 
-#include <mutex>
 #include <utility>
 
 #include "ZRMJWS/ZRMJWS_Lib/Json/ZRMJwsErrorFactory.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 namespace {
 
@@ -20,7 +20,7 @@ class Answers {
     // True for the answer that was the last one missing.
     [[nodiscard]] bool add(std::size_t index, ZRMJwsVerifyResult result,
                            std::optional<ZRMError> error) {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         results_[index] = result;
         if (result != ZRMJwsVerifyResultVerified && checkCert_ && !error_) {
             error_ =
@@ -29,14 +29,23 @@ class Answers {
         return --missing_ == 0;
     }
     // After the last answer.
-    void complete() { resultsHandler_(error_, results_); }
+    void complete() {
+        std::optional<ZRMError> error;
+        std::vector<ZRMJwsVerifyResult> results;
+        {
+            const ZRMLockGuard lock(mutex_);
+            error = std::move(error_);
+            results = std::move(results_);
+        }
+        resultsHandler_(std::move(error), std::move(results));
+    }
 
   private:
-    std::mutex mutex_;
-    std::size_t missing_;
+    ZRMMutex mutex_;
+    std::size_t missing_ ZRM_GUARDED_BY(mutex_);
     const bool checkCert_;
-    std::optional<ZRMError> error_;
-    std::vector<ZRMJwsVerifyResult> results_;
+    std::optional<ZRMError> error_ ZRM_GUARDED_BY(mutex_);
+    std::vector<ZRMJwsVerifyResult> results_ ZRM_GUARDED_BY(mutex_);
     const ZRMJwsSignatureVerifier::ResultsHandler resultsHandler_;
 };
 

@@ -37,7 +37,7 @@ void ZRMDyldWatcher::registerAddImageCallback() {
 
 std::vector<ZRMDyldImageDescriptor> ZRMDyldWatcher::attachedDyldImages() {
     loader_->noticeAddedImages();
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return attachedImages_;
 }
 
@@ -53,7 +53,7 @@ std::vector<ZRMDyldImageDescriptor> ZRMDyldWatcher::currentDyldImages() const {
 }
 
 void ZRMDyldWatcher::addAttachedDyldImage(ZRMDyldImageDescriptor image) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     attachedImages_.push_back(std::move(image));
 }
 

@@ -3,10 +3,10 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 #include <vector>
 
 #include "ZRMPlatform/Ports/ZRMLoader.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 #include "ZRMSystemWatcher/ZRMSystemWatcher_Lib/DyldWatcher/ZRMDyldImageDescriptor.h"
 
@@ -36,8 +36,8 @@ class ZRMDyldWatcher : public std::enable_shared_from_this<ZRMDyldWatcher> {
 
   private:
     std::shared_ptr<ZRMLoader> loader_;
-    std::mutex mutex_;
-    std::vector<ZRMDyldImageDescriptor> attachedImages_;
+    ZRMMutex mutex_;
+    std::vector<ZRMDyldImageDescriptor> attachedImages_ ZRM_GUARDED_BY(mutex_);
 };
 
 // The loader's callback: records the image's file on the watcher. An address that lies in no image

@@ -21,7 +21,7 @@ void ZRMMemoryLoggerImpl::logMessage(const std::string& message, ZRMLogLevel lev
     if (level < logLevel_) {
         return;
     }
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     const std::string line(zrm_trimmedControlCharacters(
         ZRMLogMessage::logForMessage(*clock_, *executor_, message, level)));
     currentSize_ += static_cast<std::int64_t>(line.size());
@@ -36,12 +36,12 @@ void ZRMMemoryLoggerImpl::logMessage(const std::string& message, ZRMLogLevel lev
 }
 
 std::vector<std::string> ZRMMemoryLoggerImpl::logs() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return currentLogs_;
 }
 
 std::int64_t ZRMMemoryLoggerImpl::logsSizeInBytes() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return currentSize_;
 }
 
@@ -50,7 +50,7 @@ void ZRMMemoryLoggerImpl::clean() {
 }
 
 std::vector<std::string> ZRMMemoryLoggerImpl::takeLogs() {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     currentSize_ = 0;
     return std::exchange(currentLogs_, {});
 }

@@ -3,12 +3,12 @@
 
 #include <atomic>
 #include <memory>
-#include <mutex>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/MemoryLogger/ZRMMemoryLogger.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Observers/ZRMObserversCollection.h"
 #include "ZRMPlatform/Ports/ZRMClock.h"
 #include "ZRMPlatform/Ports/ZRMExecutor.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 // Has no capacity of its own: whoever observes it takes the lines in time.
 class ZRMMemoryLoggerImpl final : public ZRMMemoryLogger {
@@ -39,8 +39,8 @@ class ZRMMemoryLoggerImpl final : public ZRMMemoryLogger {
     ZRMObserversCollection<ZRMMemoryLoggerObserver> observers_;
 
     // Re-entrant: observers run under it. Guards what follows.
-    mutable std::recursive_mutex mutex_;
-    std::int64_t currentSize_ = 0;  // bytes
-    std::vector<std::string> currentLogs_;
-    bool notifying_ = false;
+    mutable ZRMRecursiveMutex mutex_;
+    std::int64_t currentSize_ ZRM_GUARDED_BY(mutex_) = 0;  // bytes
+    std::vector<std::string> currentLogs_ ZRM_GUARDED_BY(mutex_);
+    bool notifying_ ZRM_GUARDED_BY(mutex_) = false;
 };
