@@ -1,12 +1,14 @@
 #include "Benchmarks/ZRMBenchmark.h"
 
-#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 #include <malloc.h>
+
+#include "Benchmarks/ZRMQuantiles.h"
 
 namespace {
 
@@ -52,9 +54,7 @@ double zrm_medianSeconds(int runs, const std::function<void()>& work) {
         seconds.push_back(
             std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
     }
-    std::ranges::nth_element(seconds,
-                             seconds.begin() + static_cast<std::ptrdiff_t>(seconds.size() / 2));
-    return seconds[seconds.size() / 2];
+    return zrm_median(std::move(seconds));
 }
 
 std::size_t zrm_peakHeapBytes(const std::function<void()>& work) {

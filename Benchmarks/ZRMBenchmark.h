@@ -1,26 +1,11 @@
 // What a benchmark is: code that measures and reports rows.
 #pragma once
 
+#include <cstddef>
 #include <functional>
-#include <string>
 #include <vector>
 
-// One figure, with what it must reach.
-struct ZRMFigure {
-    enum class Must { BeAtMost, BeAtLeast };
-
-    std::string name;
-    double value = 0;
-    std::string unit;
-    double target = 0;
-    Must must = Must::BeAtMost;
-
-    [[nodiscard]] bool isMet() const {
-        return must == Must::BeAtMost ? value <= target : value >= target;
-    }
-};
-
-using ZRMFigures = std::vector<ZRMFigure>;
+#include "Benchmarks/ZRMFigure.h"
 
 struct ZRMBenchmark {
     const char* name;  // what --only selects by

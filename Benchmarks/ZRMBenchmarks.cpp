@@ -14,25 +14,6 @@ namespace {
 constexpr int kAllMet = 0;
 constexpr int kSomeNotMet = 1;
 
-const char* signOf(const ZRMFigure& figure) {
-    return figure.must == ZRMFigure::Must::BeAtMost ? "<=" : ">=";
-}
-
-void print(const ZRMFigure& figure) {
-    std::printf("  %-68s %12.3f %-8s %s %-9.3f %s\n", figure.name.c_str(), figure.value,
-                figure.unit.c_str(), signOf(figure), figure.target,
-                figure.isMet() ? "met" : "NOT MET");
-    std::fflush(stdout);
-}
-
-ZRMDictionary written(const ZRMFigure& figure) {
-    return {{"name", figure.name},
-            {"value", figure.value},
-            {"unit", figure.unit},
-            {"target", std::string(signOf(figure)) + " " + std::to_string(figure.target)},
-            {"met", figure.isMet()}};
-}
-
 bool write(const std::string& path, const ZRMJsonArray& figures) {
     const auto text = zrm_compactJsonText(figures);
     std::ofstream file(path);
@@ -48,8 +29,9 @@ int run(const std::string& only, const std::string& jsonPath) {
             continue;
         }
         for (const auto& figure : benchmark.measure()) {
-            print(figure);
-            all.push_back(written(figure));
+            std::fputs(zrm_tableLine(figure).c_str(), stdout);
+            std::fflush(stdout);
+            all.push_back(zrm_jsonFromFigure(figure));
             areAllMet = areAllMet && figure.isMet();
         }
     }
