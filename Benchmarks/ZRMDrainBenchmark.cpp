@@ -13,6 +13,7 @@
 #include "Benchmarks/ZRMLoopbackServer.h"
 #include "Benchmarks/ZRMQuantiles.h"
 #include "Benchmarks/ZRMRiskServerRun.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMText.h"
 #include "ZRMMobileKit/ZRMMobileService.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedDevice.h"
 
@@ -71,6 +72,10 @@ ZRMLoopbackServer::Seen drainIntoCounter(ZRMHostRuns& host, const std::string& h
 
 // Requests that the library makes in 20 seconds with 100 reports in each of them.
 double attemptsOn(ZRMSimulatedDevice& device) {
+    constexpr const char* kModel = "ZRMStatisticsModel.json";
+    device.resourceBundles().put(
+        "ZRMStatisticsResources.bundle", kModel,
+        zrm_dataFromText(zrm_testFileText(std::string(ZRM_STATISTICS_RESOURCES) + "/" + kModel)));
     const ZRMScopedPlatform installed(device);
     auto configuration = ZRMMobileServiceConfiguration::configuration();
     configuration.setStatisticsUrl("https://risk.example.com/stat?cid=bench");

@@ -14,8 +14,7 @@
 
 // Runs in a thread of its own from the first task on, which is never joined: the queue must live
 // as long as the process.
-class ZRMTimedMainQueue final : public ZRMQueue,
-                                public std::enable_shared_from_this<ZRMTimedMainQueue> {
+class ZRMTimedMainQueue final : public ZRMQueue {
   public:
     [[nodiscard]] const std::string& label() const override { return label_; }
     void post(ZRMTask task) override;

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 
 #include <unicode/locid.h>
 #include <unicode/uchar.h>
@@ -25,6 +26,22 @@ void forEachCodePoint(std::string_view text, Visit visit) {
     }
 }
 
+// How many bytes at the start are ASCII, found eight at a time where there are as many.
+std::size_t asciiLength(std::string_view text) {
+    constexpr std::uint64_t kHighBits = 0x8080808080808080U;
+    std::size_t length = 0;
+    for (std::uint64_t word = 0; text.size() - length >= sizeof(word); length += sizeof(word)) {
+        std::memcpy(&word, text.data() + length, sizeof(word));
+        if ((word & kHighBits) != 0) {
+            break;
+        }
+    }
+    while (length < text.size() && static_cast<unsigned char>(text[length]) < 0x80) {
+        ++length;
+    }
+    return length;
+}
+
 bool isControl(UChar32 character) {
     return character >= 0 && (U_GET_GC_MASK(character) & (U_GC_CC_MASK | U_GC_CF_MASK)) != 0;
 }
@@ -32,12 +49,15 @@ bool isControl(UChar32 character) {
 }  // namespace
 
 bool zrm_isValidUtf8(std::string_view text) {
-    bool isValid = true;
-    forEachCodePoint(text, [&](UChar32 character, std::size_t, std::size_t) {
-        isValid = character >= 0;
-        return isValid;
-    });
-    return isValid;
+    for (text.remove_prefix(asciiLength(text)); !text.empty();
+         text.remove_prefix(asciiLength(text))) {
+        const auto [character, length] = zrm_firstCodePoint(text);
+        if (character < 0) {
+            return false;
+        }
+        text.remove_prefix(length);
+    }
+    return true;
 }
 
 std::size_t zrm_utf16Length(std::string_view text) {
@@ -50,6 +70,9 @@ std::size_t zrm_utf16Length(std::string_view text) {
 }
 
 std::string zrm_repairedUtf8(std::string_view text) {
+    if (zrm_isValidUtf8(text)) {
+        return std::string(text);
+    }
     std::string repaired;
     repaired.reserve(text.size());
     forEachCodePoint(text, [&](UChar32 character, std::size_t start, std::size_t length) {

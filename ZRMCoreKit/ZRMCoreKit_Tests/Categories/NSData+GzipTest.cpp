@@ -1,4 +1,7 @@
+#include <atomic>
 #include <random>
+#include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <zlib.h>
@@ -63,6 +66,34 @@ TEST(ZRMGzip, HasTheParametersAgreedOn) {
     expected.resize(stream.total_out);
     deflateEnd(&stream);
     EXPECT_EQ(zrm_gzipData(data), expected);
+}
+
+TEST(ZRMGzip, WhatWasZippedBeforeDoesNotShow) {
+    const auto text = zrm_dataFromText("an event like all the others, and some more of its text");
+    const auto first = zrm_gzipData(text);
+    for (const std::size_t length : {1U, 300U, 40000U}) {
+        const auto other = incompressible(length);
+        EXPECT_EQ(zrm_ungzipData(zrm_gzipData(other)), other);
+        EXPECT_EQ(zrm_gzipData(text), first) << length;
+    }
+}
+
+TEST(ZRMGzip, ThreadsDoNotDisturbEachOther) {
+    std::vector<std::thread> threads;
+    std::atomic<int> broken{0};
+    for (std::size_t thread = 0; thread < 4; ++thread) {
+        threads.emplace_back([thread, &broken] {
+            for (std::size_t run = 0; run < 50; ++run) {
+                const ZRMData data(100 + 1000 * thread + run,
+                                   static_cast<std::uint8_t>(16 * thread + run % 16));
+                broken += zrm_ungzipData(zrm_gzipData(data)) == data ? 0 : 1;
+            }
+        });
+    }
+    for (auto& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(broken, 0);
 }
 
 TEST(ZRMGzip, EmptyAndGzipDataAreNotZipped) {

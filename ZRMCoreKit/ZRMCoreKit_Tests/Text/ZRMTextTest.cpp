@@ -1,4 +1,5 @@
 #include <cstdint>
+#include <string>
 
 #include <gtest/gtest.h>
 
@@ -12,6 +13,22 @@ TEST(ZRMText, TellsWhetherTextIsUtf8) {
     for (const auto* text : {"\x80", "\xC0\x80", "\xC3", "abc\xE2\x82", "\xED\xA0\x80",
                              "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "\xFF", "\xE2\x28\xA1"}) {
         EXPECT_FALSE(zrm_isValidUtf8(text)) << text;
+    }
+}
+
+TEST(ZRMText, TellsUtf8WhereverInAsciiItStands) {
+    for (std::size_t before = 0; before < 20; ++before) {
+        for (std::size_t behind = 0; behind < 20; ++behind) {
+            const std::string start(before, 'a');
+            const std::string end(behind, 'z');
+            EXPECT_TRUE(zrm_isValidUtf8(start + end));
+            EXPECT_TRUE(zrm_isValidUtf8(start + "ä" + end)) << before << " " << behind;
+            EXPECT_TRUE(zrm_isValidUtf8(start + "😀" + end + "€")) << before << " " << behind;
+            EXPECT_FALSE(zrm_isValidUtf8(start + "\x80" + end)) << before << " " << behind;
+            EXPECT_FALSE(zrm_isValidUtf8(start + "ä" + end + "\xE2\x82"))
+                << before << " " << behind;
+            EXPECT_EQ(zrm_repairedUtf8(start + "\xFF" + end), start + "\xEF\xBF\xBD" + end);
+        }
     }
 }
 

@@ -1,4 +1,7 @@
 #include <limits>
+#include <memory>
+#include <mutex>
+#include <utility>
 
 #include <zlib.h>
 
@@ -29,6 +32,60 @@ void setOutput(z_stream& stream, ZRMData& buffer) {
         static_cast<uInt>(std::min<std::size_t>(room, std::numeric_limits<uInt>::max()));
 }
 
+// One compressor is kept between uses: making one costs more than compressing an event with it. It
+// is never destroyed, as a thread may compress while the process exits.
+class Compressor {
+  public:
+    // Absent when there is none to be had.
+    static std::unique_ptr<Compressor> take() {
+        {
+            const std::lock_guard lock(idleMutex());
+            if (auto* const kept = std::exchange(idle(), nullptr)) {
+                return std::unique_ptr<Compressor>(kept);
+            }
+        }
+        auto made = std::unique_ptr<Compressor>(new Compressor);
+        return made->isReady_ ? std::move(made) : nullptr;
+    }
+
+    static void giveBack(std::unique_ptr<Compressor> compressor) {
+        auto& stream = compressor->stream_;
+        stream.avail_in = 0;
+        stream.avail_out = 0;
+        if (deflateReset(&stream) != Z_OK) {
+            return;
+        }
+        const std::lock_guard lock(idleMutex());
+        if (idle() == nullptr) {
+            idle() = compressor.release();
+        }
+    }
+
+    ~Compressor() { deflateEnd(&stream_); }
+    Compressor(const Compressor&) = delete;
+    Compressor& operator=(const Compressor&) = delete;
+
+    [[nodiscard]] z_stream& stream() { return stream_; }
+
+  private:
+    Compressor()
+        : isReady_(deflateInit2_(&stream_, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kGzipWindowBits,
+                                 kMemoryLevel, Z_DEFAULT_STRATEGY, kZlibVersion,
+                                 sizeof(stream_)) == Z_OK) {}
+
+    static std::mutex& idleMutex() {
+        static auto* const mutex = new std::mutex;
+        return *mutex;
+    }
+    static Compressor*& idle() {
+        static Compressor* compressor = nullptr;
+        return compressor;
+    }
+
+    z_stream stream_{};
+    bool isReady_;
+};
+
 }  // namespace
 
 bool zrm_isGzipData(std::span<const std::uint8_t> data) {
@@ -39,12 +96,11 @@ ZRMData zrm_gzipData(std::span<const std::uint8_t> data) {
     if (data.empty() || zrm_isGzipData(data)) {
         return {data.begin(), data.end()};
     }
-    z_stream stream{};
-    if (!fitsZlib(data) ||
-        deflateInit2_(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kGzipWindowBits, kMemoryLevel,
-                      Z_DEFAULT_STRATEGY, kZlibVersion, sizeof(stream)) != Z_OK) {
+    auto compressor = fitsZlib(data) ? Compressor::take() : nullptr;
+    if (!compressor) {
         return {};
     }
+    auto& stream = compressor->stream();
     setInput(stream, data);
     ZRMData buffer;
     while (stream.avail_out == 0) {
@@ -55,7 +111,7 @@ ZRMData zrm_gzipData(std::span<const std::uint8_t> data) {
         deflate(&stream, Z_FINISH);
     }
     const auto written = stream.total_out;
-    deflateEnd(&stream);
+    Compressor::giveBack(std::move(compressor));
     buffer.resize(written);
     // Queued events live long; the room for growth must not live with them.
     buffer.shrink_to_fit();
