@@ -64,7 +64,8 @@ Sample takeSample() {
     ZRMHostRuns host(
         {server.port(), ZRMLoopbackSocket(ZRMLoopbackSocket::Kind::Refuses).port(), {}});
     const auto home = host.makeHome();
-    host.run(home, {{"scenario", "report"}, {"count", 1}, {"everyMicroseconds", 0}});
+    static_cast<void>(
+        host.run(home, {{"scenario", "report"}, {"count", 1}, {"everyMicroseconds", 0}}));
     server.awaitRequests(1);
     const auto seen = server.seen();
     const auto document = zrm_jsonFromData(zrm_ungzipData(zrm_dataFromText(seen.lastBody)));
