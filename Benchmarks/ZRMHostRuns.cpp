@@ -32,10 +32,8 @@ std::string ZRMHostRuns::makeHome() {
 
 std::string ZRMHostRuns::makeHomeWithEvents(std::size_t count) {
     auto home = makeHome();
-    const auto measured =
-        run(home, {{"scenario", "report"}, {"count", count}, {"everyMicroseconds", 0}});
-    zrm_mustHold(zrm_number(measured, "pending") >= static_cast<double>(count),
-                 "every event is stored");
+    static_cast<void>(
+        run(home, {{"scenario", "report"}, {"count", count}, {"everyMicroseconds", 0}}));
     return home;
 }
 

@@ -28,7 +28,7 @@ class ZRMHostRuns {
 
     // A home that no run has used yet.
     std::string makeHome();
-    // A home with so many stored events.
+    // A home with so many reported and stored events, some of which may be uploaded already.
     std::string makeHomeWithEvents(std::size_t count);
 
     // Starts the host in that home with "scenario" and what else is in `options`.

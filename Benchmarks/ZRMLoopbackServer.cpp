@@ -152,8 +152,8 @@ void ZRMLoopbackServer::take(Connection& connection) {
     ++waiting_;
     const std::lock_guard lock(mutex_);
     seen_.requestBytes.push_back(whole);
-    seen_.lastBody = connection.input.substr(whole - length, length);
-    seen_.repeatedBodies += bodies_.insert(seen_.lastBody).second ? 0 : 1;
+    seen_.bodies.push_back(connection.input.substr(whole - length, length));
+    seen_.repeatedBodies += bodies_.insert(seen_.bodies.back()).second ? 0 : 1;
     seen_.mostAtOnce = std::max(seen_.mostAtOnce, waiting_);
     connection.input.erase(0, whole);
 }

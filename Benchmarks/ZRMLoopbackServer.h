@@ -39,7 +39,7 @@ class ZRMLoopbackServer {
         std::vector<std::size_t> requestBytes;  // line, headers and body of each
         std::size_t repeatedBodies = 0;
         std::size_t mostAtOnce = 0;
-        std::string lastBody;
+        std::vector<std::string> bodies;  // of each
     };
 
     explicit ZRMLoopbackServer(Manner manner);

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <chrono>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -10,6 +11,7 @@
 #include <vector>
 
 #include "Benchmarks/ZRMQuantiles.h"
+#include "ZRMPlatform/Linux/ZRMLinuxPlatform.h"
 #include "ZRMPlatform/Linux_Tests/ZRMTestDirectory.h"
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 #include "ZRMStatistics/ZRMStatistics_Lib/Storage/ZRMStatisticsStorage.h"
@@ -44,9 +46,10 @@ class EventBytes {
 
 class Store {
   public:
-    Store(const std::string& path, EventBytes& bytes)
+    Store(const std::shared_ptr<const ZRMPlatform>& platform, const std::string& path,
+          EventBytes& bytes)
         : storage_(ZRMStatisticsStorage::create(
-              ZRMPlatform::current(),
+              platform,
               ZRMStatisticsStorageConfiguration::configurationWithStorageUrl(path, true))),
           bytes_(bytes) {
         if (!storage_) {
@@ -116,9 +119,14 @@ class Store {
 
 ZRMFigures zrm_measureStore() {
     const ZRMTestDirectory directory;
+    ZRMLinuxPlatformOptions options;
+    options.homeDirectory = directory.path();
+    options.resourcesDirectory =
+        std::filesystem::path(ZRM_STATISTICS_RESOURCES).parent_path().string();
+    const auto platform = zrm_makeLinuxPlatform(options);
     EventBytes bytes;
-    Store empty(directory.below("empty/store"), bytes);
-    Store full(directory.below("full/store"), bytes);
+    Store empty(platform, directory.below("empty/store"), bytes);
+    Store full(platform, directory.below("full/store"), bytes);
     full.fill(kBacklog);
     // In turn, so that both meet the same disk.
     std::array<std::vector<double>, 3> without;

@@ -1,6 +1,7 @@
 #include "Benchmarks/Host/ZRMBenchHost.h"
 
 #include <chrono>
+#include <cstdint>
 #include <fstream>
 #include <functional>
 #include <future>
@@ -25,6 +26,27 @@ std::string textIn(const boost::json::object& options, const char* key) {
     return value == nullptr ? std::string() : std::string(value->as_string());
 }
 
+// `times` the same `count` of the 64 letters from `first` on, the same in each run.
+std::string repeatedText(int times, std::size_t count, char32_t first) {
+    std::string part;
+    std::uint64_t state = first;
+    for (std::size_t index = 0; index < count; ++index) {
+        state = state * 6364136223846793005U + 1442695040888963407U;
+        const auto letter = static_cast<std::uint32_t>(first + (state >> 58U));
+        if (letter < 0x80) {
+            part += static_cast<char>(letter);
+        } else {
+            part += static_cast<char>(0xC0U | letter >> 6U);
+            part += static_cast<char>(0x80U | (letter & 0x3FU));
+        }
+    }
+    std::string text;
+    for (int time = 0; time < times; ++time) {
+        text += part;
+    }
+    return text;
+}
+
 void await(const char* what, const std::function<bool()>& isSo) {
     const auto end = Clock::now() + kLimit;
     while (!isSo()) {
@@ -37,7 +59,9 @@ void await(const char* what, const std::function<bool()>& isSo) {
 
 }  // namespace
 
-ZRMBenchHost::ZRMBenchHost(const boost::json::object& options) {
+// An identifier and a name that make the event about 1.2 KB of JSON, of which 10,000 fit the store.
+ZRMBenchHost::ZRMBenchHost(const boost::json::object& options)
+    : userId_(repeatedText(4, 60, U'>')), userName_(repeatedText(5, 30, U'\u0410')) {
     ZRMLinuxPlatformOptions platform;
     platform.homeDirectory = textIn(options, "home");
     platform.bundleDirectory = textIn(options, "bundle");
@@ -83,8 +107,7 @@ void ZRMBenchHost::awaitAnswered() {
 }
 
 void ZRMBenchHost::login(std::size_t number) {
-    service_->sendLogin("user-" + std::to_string(number), ZRMLoginResult::Success,
-                        std::string("Alice Example"));
+    service_->sendLogin(userId_ + std::to_string(number), ZRMLoginResult::Success, userName_);
 }
 
 double zrm_memoryKiB(const std::string& line) {

@@ -31,6 +31,8 @@ class ZRMBenchHost {
     void login(std::size_t number);
 
   private:
+    std::string userId_;
+    std::string userName_;
     std::shared_ptr<ZRMTimedMainQueue> mainQueue_;
     std::shared_ptr<ZRMMobileService> service_;
 };
