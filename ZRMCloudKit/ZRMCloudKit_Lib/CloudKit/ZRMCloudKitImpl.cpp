@@ -103,6 +103,11 @@ std::string ZRMCloudKitImpl::provideDeviceTag() {
     return tag;
 }
 
+std::shared_ptr<ZRMStatisticsService> ZRMCloudKitImpl::statisticsService() const {
+    const auto core = started();
+    return core ? core->statisticsService : nullptr;
+}
+
 std::string ZRMCloudKitImpl::deviceTag() const {
     const auto core = started();
     return core ? core->environmentData->deviceTag.value_or("") : "";

@@ -77,6 +77,8 @@ class ZRMCloudKitImpl final : public ZRMCloudKit,
 
     [[nodiscard]] const std::shared_ptr<ZRMCloudKitSettings>& settings() const { return settings_; }
     [[nodiscard]] const ZRMOperationQueue& queue() const { return queue_; }
+    // Null before start().
+    [[nodiscard]] std::shared_ptr<ZRMStatisticsService> statisticsService() const;
 
   private:
     // What start() makes, whole or not at all.

@@ -168,6 +168,8 @@ void ZRMStatisticsServiceImpl::sendAllStatisticsFromStorage(
         sender_->sendStatisticsData(data);
     }
     if (!plan.toDelete.empty()) {
+        zrm_logError(this, "Statistics deleted because they expired: " +
+                               std::to_string(plan.toDelete.size()));
         deleteOldStatistics(plan.toDelete);
     }
 }
