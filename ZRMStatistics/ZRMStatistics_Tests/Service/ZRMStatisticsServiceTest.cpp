@@ -211,7 +211,7 @@ TEST_F(ZRMStatisticsServiceTest, StartSendsWhatIsStoredByPriorityAndAge) {
     EXPECT_THAT(sender_->texts(), ElementsAre("first", "second old", "second new", "third"));
 }
 
-TEST_F(ZRMStatisticsServiceTest, StartDeletesWhatIsExpiredWithoutSendingIt) {
+TEST_F(ZRMStatisticsServiceTest, StartDeletesWhatIsExpiredWithoutSendingItAndTheLogSaysHowMany) {
     putRecord("31 days", 31 * kDay);
     putRecord("four active days", 10, 1, 4);
     putRecord("priority 0", 10, 0);
@@ -220,7 +220,7 @@ TEST_F(ZRMStatisticsServiceTest, StartDeletesWhatIsExpiredWithoutSendingIt) {
     device_.runUntilIdle();
     EXPECT_THAT(sender_->texts(), ElementsAre("good"));
     EXPECT_THAT(contents(*storage_->context()), ElementsAre("good"));
-    EXPECT_THAT(errors(), IsEmpty());
+    EXPECT_THAT(errors(), ElementsAre("Statistics deleted because they expired: 3"));
 }
 
 TEST_F(ZRMStatisticsServiceTest, StartTellsAgeByTheServersTimeOnceItIsKnown) {
