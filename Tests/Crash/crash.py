@@ -54,20 +54,21 @@ def free_port():
         return listener.getsockname()[1]
 
 
-def logins_in_store(home):
-    """The numbers of the logins in the store, each as often as it is there."""
+def events_in_store(home):
+    """How many events the store holds, and the numbers of the logins among them, each as often as it is there."""
     stores = [path for path in home.rglob("ZRMStatisticsStorage") if path.is_file()]
-    numbers = []
+    numbers, events = [], 0
     for store in stores:
         with sqlite3.connect(store) as database:
             assert database.execute("PRAGMA integrity_check").fetchall() == [("ok",)], store
             for (jws,) in database.execute("SELECT jws FROM ZRMStatisticEntity"):
+                events += 1
                 payload = json.loads(gzip.decompress(jws))["payload"]
                 event = json.loads(base64.urlsafe_b64decode(payload + "=" * (-len(payload) % 4)))["array"][0]
                 if "UserLoginEvent" in event:
                     numbers.append(int(event["UserLoginEvent"]["userId"].removeprefix("user-")))
         database.close()
-    return numbers
+    return events, numbers
 
 
 class Trial:
@@ -103,7 +104,7 @@ class Trial:
     def judge(self, killed_at, timed):
         """Problems, the number of reports lost, and the age of the oldest of them in seconds."""
         pending = self.pending()
-        found = logins_in_store(self.home)
+        events, found = events_in_store(self.home)
         there = set(found)
         # The report under way at the kill has no place in the book's count yet.
         reported, stored = self.book.reported(), self.book.stored()
@@ -116,8 +117,8 @@ class Trial:
             problems.append("the store holds what was not reported")
         if missing and missing[0] < stored:
             problems.append(f"report {missing[0]} is lost, and was called stored")
-        if pending != len(found):
-            problems.append(f"the library counts {pending} events, the store holds {len(found)}")
+        if pending != events:
+            problems.append(f"the library counts {pending} events, the store holds {events}")
         if timed and self._per_second and missing not in ([], [reported - 1]):
             problems.append(f"{len(missing)} reports are lost at {self._per_second} a second: {missing[:5]}")
         if timed and not self._per_second and oldest > WINDOW_SECONDS:

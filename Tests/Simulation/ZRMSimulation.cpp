@@ -13,6 +13,7 @@ namespace {
 
 constexpr std::size_t kShownHistory = 40;
 constexpr int kThreads = 3;
+constexpr const char* kHost = "risk.example.com";
 constexpr std::size_t kTagLength = 36;
 
 // The service behind the process's event core.
@@ -34,7 +35,7 @@ ZRMSimulation::ZRMSimulation(std::uint64_t seed)
                                   model.value());
     device_.random().setSeed(seed);
     device_.setSchedulingSeed(seed);
-    configuration_.setStatisticsUrl("https://risk.example.com/stat?cid=mybank");
+    configuration_.setStatisticsUrl(std::string("https://") + kHost + "/stat?cid=mybank");
     startLife();
 }
 
@@ -215,7 +216,9 @@ void ZRMSimulation::rest() {
         return;
     }
     const auto records = stored();
-    ledger_.storeSeen(records, true, device_.clock().uptimeSeconds());
+    const auto path = device_.reachability().flagsOf(kHost);
+    const bool isPathOpen = path && (*path & ZRMReachabilityReachable) != 0;
+    ledger_.storeSeen(records, isPathOpen, device_.clock().uptimeSeconds());
     checkCounts(records);
 }
 

@@ -136,21 +136,21 @@ void ZRMSimulation::reportTooMuch() {
 
 // More than the queue may hold, without a network to empty it.
 void ZRMSimulation::flood() {
-    constexpr int kEvents = 2600;
-    constexpr std::uint64_t kIdeographs = 20000;
+    constexpr int kMostEvents = 5000;
+    constexpr std::size_t kIdeographs = 1000;
     setConnected(false);
-    for (int number = 0; number < kEvents && device_.isProcessAlive() && isActive_; ++number) {
-        auto point = "t" + std::to_string(++reports_) + "-";
-        while (point.size() < 3 * (kLongestPoint - 16)) {
-            const auto letter = 0x4E00U + static_cast<std::uint32_t>(random_.below(kIdeographs));
-            point += static_cast<char>(0xE0U | (letter >> 12U));
-            point += static_cast<char>(0x80U | ((letter >> 6U) & 0x3FU));
-            point += static_cast<char>(0x80U | (letter & 0x3FU));
+    for (int number = 0; number < kMostEvents && ledger_.totals().purged == 0; ++number) {
+        auto session = "t" + std::to_string(++reports_) + "-";
+        for (std::size_t letter = 0; letter < kIdeographs; ++letter) {
+            const auto point = 0x4E00U + static_cast<std::uint32_t>(random_.below(20000));
+            session += static_cast<char>(0xE0U | (point >> 12U));
+            session += static_cast<char>(0x80U | ((point >> 6U) & 0x3FU));
+            session += static_cast<char>(0x80U | (point & 0x3FU));
         }
         stepRunsNoTask_ = true;
-        call("flood", "UINavigationEvent/" + point, {{"navigationPoint", point}},
+        call("flood", "SessionIdEvent/" + session, {{"sessionId", session}},
              [&](ZRMMobileService& service, Handler handler) {
-                 service.sendUINavigationEvent(point, std::move(handler));
+                 service.sendSessionId(session, std::move(handler));
              });
         afterStep();
         stepRunsNoTask_ = false;

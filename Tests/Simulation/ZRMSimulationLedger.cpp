@@ -195,6 +195,7 @@ void ZRMSimulationLedger::lifeBegan(const std::optional<std::vector<ZRMSimulatio
     unsent_.clear();
     tooOld_.clear();
     found_ = stored;
+    isFoundKnown_ = stored.has_value();
     clockLow_ = std::numeric_limits<double>::max();
     clockHigh_ = std::numeric_limits<double>::lowest();
     for (auto& [key, fate] : fates_) {
@@ -237,6 +238,18 @@ void ZRMSimulationLedger::clockReads(double secondsSince1970) {
 void ZRMSimulationLedger::queueStarted() {
     if (const auto found = std::exchange(found_, std::nullopt); found && !isStoreAbsent_) {
         planResend(*found);
+    }
+}
+
+void ZRMSimulationLedger::dropped(std::size_t expired) {
+    expiredLogged_ += expired;
+    if (isFoundKnown_) {
+        return;
+    }
+    for (auto& [key, fate] : fates_) {
+        if (fate.isOwed && fate.whyGone.empty()) {
+            fate.whyGone = "expired, perhaps";
+        }
     }
 }
 

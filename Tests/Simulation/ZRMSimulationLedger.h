@@ -61,7 +61,7 @@ class ZRMSimulationLedger {
     void couldNotStore() { ++storeFailures_; }
     void couldNotRead() { ++unreadable_; }
     void couldNotFetch();
-    void dropped(std::size_t expired) { expiredLogged_ += expired; }
+    void dropped(std::size_t expired);
     // With what was stored at that moment, where that is known.
     void queueEmptied(const std::optional<std::vector<ZRMSimulationRecord>>& stored,
                       std::int64_t limit);
@@ -85,7 +85,8 @@ class ZRMSimulationLedger {
     [[nodiscard]] int attemptsOf(std::span<const std::uint8_t> bytes) const;
     void connectionLost() { ++disconnections_; }
 
-    // The store as it is. At rest nothing is due to run at this moment.
+    // The store as it is. At rest nothing is due to run at this moment, and the path to the server
+    // is open: without it the end of an upload waits with the other uploads.
     void storeSeen(const std::vector<ZRMSimulationRecord>& stored, bool isAtRest, double uptime);
 
     // "TYPE/what the host gave", or "TYPE#digest" for the library's own events.
@@ -151,6 +152,7 @@ class ZRMSimulationLedger {
     std::uint64_t disconnections_ = 0;
 
     std::optional<std::vector<ZRMSimulationRecord>> found_;  // until the queue is started
+    bool isFoundKnown_ = false;
     double clockLow_ = 0;
     double clockHigh_ = 0;
     std::map<std::string, std::size_t> places_;  // in the order of sending at start

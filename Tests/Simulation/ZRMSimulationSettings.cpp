@@ -28,7 +28,7 @@ std::string zrm_simulationSettingsPath(ZRMSimulatedDevice& device) {
 void zrm_putSimulationSettings(ZRMSimulatedDevice& device, ZRMSimulationRandom& random) {
     ZRMDictionary config;
     for (const auto* key : kMostlyOff) {
-        config[key] = random.oneIn(2) ? "false" : "true";
+        config[key] = random.oneIn(3) ? "false" : "true";
     }
     for (const auto* key : kMostlyOn) {
         config[key] = random.oneIn(10) ? "true" : "false";

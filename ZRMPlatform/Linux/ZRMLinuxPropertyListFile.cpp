@@ -5,6 +5,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 
 #include "ZRMPlatform/Linux/ZRMLinuxClock.h"
 #include "ZRMPlatform/Linux/ZRMLinuxFileManager.h"
@@ -17,11 +18,13 @@ namespace {
 class WriterLock {
   public:
     explicit WriterLock(const std::string& path)
-        : file_(::open((path + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {
+        : file_(::open((path + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kMode)) {
         if (!file_.isOpen()) {
             failure_ = errno;
             return;
         }
+        // Whatever the umask left of it; a writer that comes later must be able to open it too.
+        static_cast<void>(::fchmod(file_.number(), kMode));
         while (::flock(file_.number(), LOCK_EX) != 0) {
             if (errno != EINTR) {
                 failure_ = errno;
@@ -33,6 +36,8 @@ class WriterLock {
     [[nodiscard]] int failure() const { return failure_; }
 
   private:
+    static constexpr mode_t kMode = 0600;
+
     ZRMLinuxDescriptor file_;
     int failure_ = 0;
 };

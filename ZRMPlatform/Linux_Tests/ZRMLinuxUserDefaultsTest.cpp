@@ -88,6 +88,14 @@ TEST_F(ZRMLinuxUserDefaultsTest, TheFileIsAnXmlPropertyListThatOnlyItsOwnerReads
     EXPECT_EQ(zrm_testMode(directory_.below("Preferences")), 0700U);
 }
 
+TEST_F(ZRMLinuxUserDefaultsTest, FileAndLockAreForTheirOwnerWhateverTheUmask) {
+    const mode_t before = umask(0777);
+    open()->setString("text", "value");
+    umask(before);
+    EXPECT_EQ(zrm_testMode(file()), 0600U);
+    EXPECT_EQ(zrm_testMode(file("suite.plist.lock")), 0600U);
+}
+
 TEST_F(ZRMLinuxUserDefaultsTest, SuitesAreApartAndNoneLeavesTheDirectory) {
     open("a")->setString("key", "a");
     open("../a/b")->setString("key", "b");
