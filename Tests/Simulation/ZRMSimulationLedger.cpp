@@ -150,7 +150,7 @@ std::set<std::string> ZRMSimulationLedger::keysOf(const std::vector<ZRMSimulatio
         if (event == nullptr) {
             break;
         }
-        if (!keys.insert(event->first).second) {
+        if (!keys.insert(event->first).second && event->second.isReport) {
             fail("stored twice: " + nameOf(event->first));
         }
     }
@@ -223,7 +223,9 @@ void ZRMSimulationLedger::forgetWhatIsGone(const std::set<std::string>& stored) 
             ++totals_.lostWithProcess;
         }
         if (fate.digest != 0) {
-            retired_.insert(fate.digest);
+            if (fate.isReport) {
+                retired_.insert(fate.digest);
+            }
             keyOfDigest_.erase(fate.digest);
         }
         event = fates_.erase(event);
@@ -315,7 +317,8 @@ int ZRMSimulationLedger::attemptsOf(std::span<const std::uint8_t> bytes) const {
 
 bool ZRMSimulationLedger::wasSurelyAnswered(const Fate& fate, double uptime) const {
     constexpr int kFirstRetriedStatus = 500;
-    return fate.lastReply && fate.lastReply->isComplete &&
+    // The library's own events of one moment may be equal: the answer may have been a twin's.
+    return fate.isReport && fate.lastReply && fate.lastReply->isComplete &&
            fate.lastReply->status < kFirstRetriedStatus && fate.lastReply->endsAtUptime < uptime &&
            fate.disconnectionsThen == disconnections_;
 }
@@ -328,11 +331,11 @@ void ZRMSimulationLedger::checkRepetition(const Fates::value_type& event, double
     if (wasSurelyAnswered(fate, uptime)) {
         fail("sent again after its answer: " + nameOf(key));
     }
-    if (fate.lastReply && fate.lastReply->isComplete && fate.lastReply->endsAtUptime > uptime &&
-        fate.disconnectionsThen == disconnections_) {
+    if (fate.isReport && fate.lastReply && fate.lastReply->isComplete &&
+        fate.lastReply->endsAtUptime > uptime && fate.disconnectionsThen == disconnections_) {
         fail("sent while its upload was under way: " + nameOf(key));
     }
-    if (fate.attempts > kMaxAttempts) {
+    if (fate.isReport && fate.attempts > kMaxAttempts) {
         fail("sent more than " + std::to_string(kMaxAttempts) +
              " times in one life: " + nameOf(key));
     }

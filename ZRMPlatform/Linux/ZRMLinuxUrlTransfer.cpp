@@ -219,7 +219,11 @@ bool ZRMLinuxUrlTransfer::takeBody(std::string_view bytes) {
 }
 
 void ZRMLinuxUrlTransfer::endWithVerdict(CURLcode verdict) {
-    if (verdict == CURLE_OK) {
+    // libcurl takes a connection that ends within a head, or after interim answers, for the end of
+    // an answer.
+    if (verdict == CURLE_OK && (isHeadOpen_ || !exchange_.response)) {
+        endWithError(ZRMUrlErrorNetworkConnectionLost);
+    } else if (verdict == CURLE_OK) {
         end(std::nullopt);
     } else {
         end(errorOf(verdict));

@@ -241,6 +241,21 @@ TEST_F(ZRMLinuxUrlSessionTest, AConnectionThatIsResetIsLost) {
               ZRMUrlErrorNetworkConnectionLost);
 }
 
+TEST_F(ZRMLinuxUrlSessionTest, AHeadCutShortIsNoAnswerButALostConnection) {
+    for (const auto* start :
+         {"HTTP/1.1 200 OK\r\n", "HTTP/1.1 200 OK\r\nDate: now\r\nContent-Len",
+          "HTTP/1.1 100 Continue\r\n\r\n", "HTTP/1.1 100 Continue\r\n\r\nHTTP/1.1 200 OK\r\n"}) {
+        const ZRMTestHttpServer server(
+            [start](const ZRMTestHttpRequest&, ZRMTestConnection& connection) {
+                connection.write(start);
+                return false;
+            });
+        const auto exchange = load(*factory(), get(server.url("/")));
+        EXPECT_EQ(codeOf(exchange), ZRMUrlErrorNetworkConnectionLost) << start;
+        EXPECT_FALSE(exchange.response) << start;
+    }
+}
+
 TEST_F(ZRMLinuxUrlSessionTest, ABodyCutShortIsLostAndLeavesWhatHadArrived) {
     const ZRMTestHttpServer server([](const ZRMTestHttpRequest&, ZRMTestConnection& connection) {
         connection.write("HTTP/1.1 201 Created\r\nContent-Length: 100\r\n\r\nthe start");
