@@ -18,28 +18,28 @@ ZRMCallObserver::ZRMCallObserver(std::shared_ptr<ZRMCalls> platformCalls, ZRMExe
       dispatchQueue_(executor.makeSerialQueue(kDispatchQueueLabel, ZRMQualityOfService::Default)) {}
 
 void ZRMCallObserver::setDelegate(std::weak_ptr<ZRMCallObserverDelegate> delegate) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     delegate_.swap(delegate);
 }
 
 std::shared_ptr<ZRMCallObserverDelegate> ZRMCallObserver::delegate() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return delegate_.lock();
 }
 
 void ZRMCallObserver::setEventPolicy(std::optional<ZRMCallInfoEventPolicy> policy) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     eventPolicy_ = policy.value_or(ZRMCallInfoEventPolicy::defaultPolicy());
 }
 
 ZRMCallInfoEventPolicy ZRMCallObserver::eventPolicy() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return eventPolicy_;
 }
 
 void ZRMCallObserver::start() {
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         if (cxCallObserver_) {
             return;
         }
@@ -59,14 +59,14 @@ void ZRMCallObserver::start() {
                 self->handleCall(call, true);
             }
         });
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     subscription_.swap(subscription);
 }
 
 std::vector<ZRMCall> ZRMCallObserver::calls() const {
     std::shared_ptr<ZRMCalls> observer;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         observer = cxCallObserver_;
     }
     return observer ? observer->calls() : std::vector<ZRMCall>();

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -11,6 +10,7 @@
 
 #include "ZRMCloudKit/ZRMCloudKit_Lib/CallObserver/ZRMCallObserverItem.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Detectors/ZRMCallObserving.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 
 // Owned by a shared pointer. The calls that are followed belong to the serial queue: updates,
@@ -50,9 +50,10 @@ class ZRMCallObserver final : public ZRMCallObserving,
     const std::shared_ptr<ZRMQueue> dispatchQueue_;
     std::unordered_map<std::string, std::shared_ptr<ZRMCallObserverItem>> connectedCalls_;
 
-    mutable std::mutex mutex_;  // guards what follows; never held while calling out
-    std::weak_ptr<ZRMCallObserverDelegate> delegate_;
-    ZRMCallInfoEventPolicy eventPolicy_ = ZRMCallInfoEventPolicy::defaultPolicy();
-    std::shared_ptr<ZRMCalls> cxCallObserver_;  // none until start()
-    std::shared_ptr<ZRMSubscription> subscription_;
+    mutable ZRMMutex mutex_;  // guards what follows; never held while calling out
+    std::weak_ptr<ZRMCallObserverDelegate> delegate_ ZRM_GUARDED_BY(mutex_);
+    ZRMCallInfoEventPolicy eventPolicy_ ZRM_GUARDED_BY(mutex_) =
+        ZRMCallInfoEventPolicy::defaultPolicy();
+    std::shared_ptr<ZRMCalls> cxCallObserver_ ZRM_GUARDED_BY(mutex_);  // none until start()
+    std::shared_ptr<ZRMSubscription> subscription_ ZRM_GUARDED_BY(mutex_);
 };

@@ -158,7 +158,7 @@ void ZRMCloudKitImpl::sendScreenRecordingEventWithPolicy(
 
 void ZRMCloudKitImpl::startScreenRecordingDetection(const ZRMScreenRecordingEventPolicy& policy) {
     const auto detector = detectors_.makeScreenRecordingDetector(policy);
-    keep(screenRecordingDetector_, detector);
+    keep(&ZRMCloudKitImpl::screenRecordingDetector_, detector);
     detector->startDetection([weak = weak_from_this()](bool recording) {
         if (const auto core = weak.lock()) {
             core->send(kZRMEventPriorityUrgent, [recording](const ZRMEventProvider& provider) {
@@ -178,7 +178,7 @@ void ZRMCloudKitImpl::sendCallInfoEventWithPolicy(const ZRMCallInfoEventPolicy& 
 
 void ZRMCloudKitImpl::startCallObservation(const ZRMCallInfoEventPolicy& policy) {
     const auto observer = detectors_.callObserver;
-    keep(callObserver_, observer);
+    keep(&ZRMCloudKitImpl::callObserver_, observer);
     observer->setDelegate(weak_from_this());
     observer->setEventPolicy(policy);
     observer->start();
@@ -210,7 +210,7 @@ void ZRMCloudKitImpl::sendVpnEvent() {
 
 void ZRMCloudKitImpl::startVpnDetection() {
     const auto detector = detectors_.makeVpnDetector();
-    keep(vpnDetector_, detector);
+    keep(&ZRMCloudKitImpl::vpnDetector_, detector);
     const auto sendState = [weak = weak_from_this()](bool connected) {
         if (const auto core = weak.lock()) {
             core->send(kZRMEventPriorityUsual, [connected](const ZRMEventProvider& provider) {
@@ -232,7 +232,7 @@ void ZRMCloudKitImpl::sendScreenshotEvent() {
 
 void ZRMCloudKitImpl::startScreenshotDetection() {
     const auto detector = detectors_.makeScreenshotDetector();
-    keep(screenshotDetector_, detector);
+    keep(&ZRMCloudKitImpl::screenshotDetector_, detector);
     detector->startDetection([weak = weak_from_this()] {
         if (const auto core = weak.lock()) {
             core->send(kZRMEventPriorityUsual, [](const ZRMEventProvider& provider) {
@@ -265,13 +265,13 @@ void ZRMCloudKitImpl::detectLocation(double accuracy, double maxDetectionDuratio
                                      CompletionHandler completionHandler) {
     std::shared_ptr<ZRMDeviceLocating> locator;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         locator = deviceLocator_;
     }
     if (!locator) {
         // Later requests reuse it with this first accuracy and duration.
         locator = detectors_.makeDeviceLocator(accuracy, maxDetectionDuration);
-        keep(deviceLocator_, locator);
+        keep(&ZRMCloudKitImpl::deviceLocator_, locator);
     }
     const auto detection = locator->makeDetection();
     const auto followUp = ZRMBlockOperation::blockOperationWithBlock(

@@ -71,7 +71,7 @@ void ZRMCloudKitImpl::start() {
         makeStatisticsService_(configuration_.statisticsUrl, configuration_.dataDirectory,
                                shared_from_this(), serverTimeProvider_);
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         started_ = started;
     }
     // Its uploads may ask for the headers as soon as it runs.
@@ -79,7 +79,7 @@ void ZRMCloudKitImpl::start() {
 }
 
 std::shared_ptr<const ZRMCloudKitImpl::Started> ZRMCloudKitImpl::started() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return started_;
 }
 

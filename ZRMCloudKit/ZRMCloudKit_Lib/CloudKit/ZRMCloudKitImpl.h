@@ -6,7 +6,6 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -16,6 +15,7 @@
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Detectors/ZRMCloudKitDetectors.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Events/ZRMEventProvider.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Operations/ZRMOperationQueue.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 #include "ZRMStatistics/ZRMStatistics_Lib/Service/ZRMStatisticsServiceFactory.h"
 
@@ -118,9 +118,10 @@ class ZRMCloudKitImpl final : public ZRMCloudKit,
     void sendTouchIdChange();
 
     template <class Detector>
-    void keep(std::shared_ptr<Detector>& kept, std::shared_ptr<Detector> detector) {
-        const std::lock_guard lock(mutex_);
-        kept.swap(detector);
+    void keep(std::shared_ptr<Detector> ZRMCloudKitImpl::*kept,
+              std::shared_ptr<Detector> detector) {
+        const ZRMLockGuard lock(mutex_);
+        (this->*kept).swap(detector);
     }
 
     const std::shared_ptr<const ZRMPlatform> platform_;
@@ -134,11 +135,11 @@ class ZRMCloudKitImpl final : public ZRMCloudKit,
         std::make_shared<std::atomic<std::size_t>>(0);
     ZRMOperationQueue queue_;
 
-    mutable std::mutex mutex_;  // guards what follows; never held while calling out
-    std::shared_ptr<const Started> started_;
-    std::shared_ptr<ZRMDeviceLocating> deviceLocator_;
-    std::shared_ptr<ZRMScreenRecordingDetecting> screenRecordingDetector_;
-    std::shared_ptr<ZRMCallObserving> callObserver_;
-    std::shared_ptr<ZRMVpnDetecting> vpnDetector_;
-    std::shared_ptr<ZRMScreenshotDetecting> screenshotDetector_;
+    mutable ZRMMutex mutex_;  // guards what follows; never held while calling out
+    std::shared_ptr<const Started> started_ ZRM_GUARDED_BY(mutex_);
+    std::shared_ptr<ZRMDeviceLocating> deviceLocator_ ZRM_GUARDED_BY(mutex_);
+    std::shared_ptr<ZRMScreenRecordingDetecting> screenRecordingDetector_ ZRM_GUARDED_BY(mutex_);
+    std::shared_ptr<ZRMCallObserving> callObserver_ ZRM_GUARDED_BY(mutex_);
+    std::shared_ptr<ZRMVpnDetecting> vpnDetector_ ZRM_GUARDED_BY(mutex_);
+    std::shared_ptr<ZRMScreenshotDetecting> screenshotDetector_ ZRM_GUARDED_BY(mutex_);
 };

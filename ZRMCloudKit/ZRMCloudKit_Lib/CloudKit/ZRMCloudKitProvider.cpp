@@ -16,7 +16,7 @@ ZRMCloudKitProvider::ZRMCloudKitProvider(std::shared_ptr<const ZRMPlatform> plat
 std::shared_ptr<ZRMCloudKit> ZRMCloudKitProvider::cloudKitWithConfiguration(
     const ZRMCloudKitConfiguration& configuration,
     std::shared_ptr<ZRMServerTimeProvider> serverTimeProvider) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     if (!cloudKit_) {
         cloudKit_ = ZRMCloudKitImpl::cloudKitWithConfiguration(
             platform_, configuration, std::move(serverTimeProvider),

@@ -2,11 +2,11 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 
 #include "ZRMCloudKit/ZRMCloudKit_Lib/CloudKit/ZRMCloudKit.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/CloudKit/ZRMCloudKitConfiguration.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/ServerTime/ZRMServerTimeProvider.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 
 // May be used from any thread. Keeps the core as long as the platform it runs on.
@@ -25,6 +25,6 @@ class ZRMCloudKitProvider {
 
   private:
     std::shared_ptr<const ZRMPlatform> platform_;
-    std::mutex mutex_;
-    std::shared_ptr<ZRMCloudKit> cloudKit_;
+    ZRMMutex mutex_;
+    std::shared_ptr<ZRMCloudKit> cloudKit_ ZRM_GUARDED_BY(mutex_);
 };

@@ -41,6 +41,7 @@ std::shared_ptr<ZRMCloudKitSettings> ZRMCloudKitSettings::settingsFromDirectory(
     const std::shared_ptr<ZRMCloudKitSettings> settings(
         new ZRMCloudKitSettings(platform, directory));
     if (auto values = settings->readArchive()) {
+        const ZRMLockGuard lock(settings->mutex_);
         settings->values_ = std::move(*values);
         return settings;
     }
@@ -87,7 +88,7 @@ std::string ZRMCloudKitSettings::archivePath() const {
 }
 
 bool ZRMCloudKitSettings::save() {
-    const std::lock_guard saving(saveMutex_);
+    const ZRMLockGuard saving(saveMutex_);
     const auto path = directory();
     if (!platform_->fileManager->directoryExists(path)) {
         if (const auto error = platform_->fileManager->createDirectory(path)) {
@@ -96,7 +97,7 @@ bool ZRMCloudKitSettings::save() {
     }
     ZRMCloudKitSettingsValues values;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         values = values_;
     }
     const auto bytes = platform_->keyedArchiver->encode(values.encode());
@@ -173,11 +174,11 @@ void ZRMCloudKitSettings::setSecureDeviceTagRefreshInterval(double seconds) {
 }
 
 std::string ZRMCloudKitSettings::directory() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return directory_;
 }
 
 void ZRMCloudKitSettings::setDirectory(std::string directory) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     directory_ = std::move(directory);
 }

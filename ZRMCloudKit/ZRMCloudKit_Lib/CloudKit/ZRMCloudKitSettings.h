@@ -3,11 +3,11 @@
 
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 
 #include "ZRMCloudKit/ZRMCloudKit_Lib/CloudKit/ZRMCloudKitSettingsValues.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 
 // May be used from any thread. Setters change the object alone; save() writes the file.
@@ -60,18 +60,18 @@ class ZRMCloudKitSettings {
 
     template <class Value>
     Value get(Value ZRMCloudKitSettingsValues::*field) const {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         return values_.*field;
     }
     template <class Value>
     void set(Value ZRMCloudKitSettingsValues::*field, Value value) {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         values_.*field = std::move(value);
     }
 
     std::shared_ptr<const ZRMPlatform> platform_;
-    std::mutex saveMutex_;      // held while writing, so that the last save wins
-    mutable std::mutex mutex_;  // guards what follows; never held while calling out
-    std::string directory_;
-    ZRMCloudKitSettingsValues values_;
+    ZRMMutex saveMutex_;      // held while writing, so that the last save wins
+    mutable ZRMMutex mutex_;  // guards what follows; never held while calling out
+    std::string directory_ ZRM_GUARDED_BY(mutex_);
+    ZRMCloudKitSettingsValues values_ ZRM_GUARDED_BY(mutex_);
 };

@@ -11,7 +11,7 @@ ZRMDetectDeviceLocationOperation::ZRMDetectDeviceLocationOperation(
       deviceLocator_(std::move(deviceLocator)) {}
 
 std::optional<ZRMLocation> ZRMDetectDeviceLocationOperation::location() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return location_;
 }
 
@@ -38,7 +38,7 @@ void ZRMDetectDeviceLocationOperation::detected(const ZRMResult<ZRMLocation>& re
         return;
     }
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         location_ = result.value();
     }
     finishWithError(std::nullopt);

@@ -2,12 +2,12 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 #include <optional>
 
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Detectors/ZRMDeviceLocating.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Location/ZRMDeviceLocator.h"
 #include "ZRMPlatform/Ports/Values/ZRMLocation.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 
 // Finishes on the main queue, with the locator's error when it found nothing.
@@ -30,6 +30,6 @@ class ZRMDetectDeviceLocationOperation final : public ZRMLocationDetection {
 
     const std::shared_ptr<const ZRMPlatform> platform_;
     const std::shared_ptr<ZRMDeviceLocator> deviceLocator_;
-    mutable std::mutex mutex_;  // guards what follows
-    std::optional<ZRMLocation> location_;
+    mutable ZRMMutex mutex_;  // guards what follows
+    std::optional<ZRMLocation> location_ ZRM_GUARDED_BY(mutex_);
 };

@@ -25,13 +25,13 @@ ZRMVPNDetector::ZRMVPNDetector(std::shared_ptr<const ZRMNetworkInterfaces> inter
       isVpnConnected_(checkVpnConnection()) {}
 
 bool ZRMVPNDetector::isVpnConnected() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return isVpnConnected_;
 }
 
 void ZRMVPNDetector::startDetection(std::function<void(bool connected)> completionHandler) {
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         completionHandler_ = std::move(completionHandler);
     }
     auto subscription = notifications_->observe(ZRMApplicationNotification::WillEnterForeground,
@@ -40,7 +40,7 @@ void ZRMVPNDetector::startDetection(std::function<void(bool connected)> completi
                                                         self->performVpnConnectionCheck();
                                                     }
                                                 });
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     subscription_.swap(subscription);
 }
 
@@ -48,7 +48,7 @@ void ZRMVPNDetector::performVpnConnectionCheck() {
     const bool connected = checkVpnConnection();
     std::function<void(bool)> handler;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         if (connected == isVpnConnected_) {
             return;
         }

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Detectors/ZRMVpnDetecting.h"
 #include "ZRMPlatform/Ports/ZRMApplicationNotifications.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 #include "ZRMPlatform/Ports/ZRMNetworkInterfaces.h"
 
 // Owned by a shared pointer. Checks on the main queue, and at construction on the caller's thread.
@@ -28,8 +28,8 @@ class ZRMVPNDetector final : public ZRMVpnDetecting,
     const std::shared_ptr<const ZRMNetworkInterfaces> interfaces_;
     const std::shared_ptr<ZRMApplicationNotifications> notifications_;
 
-    mutable std::mutex mutex_;  // guards what follows; never held while calling out
-    bool isVpnConnected_;
-    std::function<void(bool)> completionHandler_;
-    std::shared_ptr<ZRMSubscription> subscription_;
+    mutable ZRMMutex mutex_;  // guards what follows; never held while calling out
+    bool isVpnConnected_ ZRM_GUARDED_BY(mutex_);
+    std::function<void(bool)> completionHandler_ ZRM_GUARDED_BY(mutex_);
+    std::shared_ptr<ZRMSubscription> subscription_ ZRM_GUARDED_BY(mutex_);
 };

@@ -19,14 +19,14 @@ ZRMScreenRecordingDetector::~ZRMScreenRecordingDetector() {
 }
 
 std::uint64_t ZRMScreenRecordingDetector::numberOfRemainingRetryAttempts() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return numberOfRemainingRetryAttempts_;
 }
 
 void ZRMScreenRecordingDetector::startDetection(
     std::function<void(bool recording)> completionHandler) {
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         completionHandler_ = std::move(completionHandler);
     }
     const auto check = [weak = weak_from_this()] {
@@ -39,7 +39,7 @@ void ZRMScreenRecordingDetector::startDetection(
         notifications_->observe(ZRMApplicationNotification::ScreenDidConnect, check),
         notifications_->observe(ZRMApplicationNotification::ScreenCapturedDidChange, check)};
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         subscriptions_.swap(subscriptions);
     }
     performScreenRecordingChecks();
@@ -54,7 +54,7 @@ void ZRMScreenRecordingDetector::performScreenRecordingChecks() {
     }
     std::function<void(bool)> handler;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         handler = completionHandler_;
     }
     if (handler) {
@@ -63,7 +63,7 @@ void ZRMScreenRecordingDetector::performScreenRecordingChecks() {
 }
 
 void ZRMScreenRecordingDetector::scheduleRetryChecksTimerIfNeeded() {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     if (retryChecksTimer_ || numberOfRemainingRetryAttempts_ == 0) {
         return;
     }
@@ -80,7 +80,7 @@ void ZRMScreenRecordingDetector::scheduleRetryChecksTimerIfNeeded() {
 void ZRMScreenRecordingDetector::invalidateRetryChecksTimer() {
     std::shared_ptr<ZRMTimerHandle> timer;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         timer.swap(retryChecksTimer_);
         numberOfRemainingRetryAttempts_ = eventPolicy_.numberOfRetryAttempts();
     }
@@ -91,7 +91,7 @@ void ZRMScreenRecordingDetector::invalidateRetryChecksTimer() {
 
 void ZRMScreenRecordingDetector::retryChecksTimerFired(std::uint64_t number) {
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         // A run that had begun as its timer was cancelled, perhaps for a new one.
         if (!retryChecksTimer_ || number != timersMade_) {
             return;

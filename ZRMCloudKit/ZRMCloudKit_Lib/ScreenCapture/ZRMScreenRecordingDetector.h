@@ -4,12 +4,12 @@
 
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <vector>
 
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Detectors/ZRMScreenRecordingDetecting.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Policies/ZRMScreenRecordingEventPolicy.h"
 #include "ZRMPlatform/Ports/ZRMApplicationNotifications.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 #include "ZRMPlatform/Ports/ZRMQueue.h"
 #include "ZRMPlatform/Ports/ZRMScreens.h"
 
@@ -49,10 +49,10 @@ class ZRMScreenRecordingDetector final
     const std::shared_ptr<ZRMQueue> retryQueue_;
 
     // Guards what follows. Of foreign code, only the retry queue is called while it is held.
-    mutable std::mutex mutex_;
-    std::function<void(bool)> completionHandler_;
-    std::uint64_t numberOfRemainingRetryAttempts_;
-    std::shared_ptr<ZRMTimerHandle> retryChecksTimer_;
-    std::uint64_t timersMade_ = 0;
-    std::vector<std::shared_ptr<ZRMSubscription>> subscriptions_;
+    mutable ZRMMutex mutex_;
+    std::function<void(bool)> completionHandler_ ZRM_GUARDED_BY(mutex_);
+    std::uint64_t numberOfRemainingRetryAttempts_ ZRM_GUARDED_BY(mutex_);
+    std::shared_ptr<ZRMTimerHandle> retryChecksTimer_ ZRM_GUARDED_BY(mutex_);
+    std::uint64_t timersMade_ ZRM_GUARDED_BY(mutex_) = 0;
+    std::vector<std::shared_ptr<ZRMSubscription>> subscriptions_ ZRM_GUARDED_BY(mutex_);
 };

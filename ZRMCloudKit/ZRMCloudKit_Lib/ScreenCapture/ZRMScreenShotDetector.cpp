@@ -8,7 +8,7 @@ ZRMScreenShotDetector::ZRMScreenShotDetector(
 
 void ZRMScreenShotDetector::startDetection(std::function<void()> completionHandler) {
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         completionHandler_ = std::move(completionHandler);
     }
     auto subscription = notifications_->observe(ZRMApplicationNotification::UserDidTakeScreenshot,
@@ -17,14 +17,14 @@ void ZRMScreenShotDetector::startDetection(std::function<void()> completionHandl
                                                         self->sendInfo();
                                                     }
                                                 });
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     subscription_.swap(subscription);
 }
 
 void ZRMScreenShotDetector::sendInfo() {
     std::function<void()> handler;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         handler = completionHandler_;
     }
     if (handler) {

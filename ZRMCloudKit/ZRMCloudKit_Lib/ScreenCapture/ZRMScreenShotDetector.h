@@ -2,10 +2,10 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 
 #include "ZRMCloudKit/ZRMCloudKit_Lib/Detectors/ZRMScreenshotDetecting.h"
 #include "ZRMPlatform/Ports/ZRMApplicationNotifications.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 // Owned by a shared pointer. Reports on the main queue.
 class ZRMScreenShotDetector final : public ZRMScreenshotDetecting,
@@ -20,7 +20,7 @@ class ZRMScreenShotDetector final : public ZRMScreenshotDetecting,
   private:
     const std::shared_ptr<ZRMApplicationNotifications> notifications_;
 
-    std::mutex mutex_;  // guards what follows; never held while calling out
-    std::function<void()> completionHandler_;
-    std::shared_ptr<ZRMSubscription> subscription_;
+    ZRMMutex mutex_;  // guards what follows; never held while calling out
+    std::function<void()> completionHandler_ ZRM_GUARDED_BY(mutex_);
+    std::shared_ptr<ZRMSubscription> subscription_ ZRM_GUARDED_BY(mutex_);
 };

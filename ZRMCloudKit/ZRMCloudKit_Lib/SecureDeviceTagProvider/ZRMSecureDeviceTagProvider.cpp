@@ -39,7 +39,7 @@ ZRMSecureDeviceTagProvider::ZRMSecureDeviceTagProvider(std::shared_ptr<const ZRM
 }
 
 std::string ZRMSecureDeviceTagProvider::secureDeviceTag() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return secureDeviceTag_;
 }
 
@@ -160,7 +160,7 @@ void ZRMSecureDeviceTagProvider::takeOver(const ZRMSecureDeviceTagPayload& paylo
         zrm_logError(this, "Save storage error");
     }
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         secureDeviceTag_ = payload.tag;
     }
     scheduleRefresh();

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 
@@ -11,6 +10,7 @@
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Operations/ZRMOperationQueue.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Operations/ZRMUrlRequestOperation.h"
 #include "ZRMJWS/ZRMJWS_Lib/Verifier/ZRMJwsSignatureVerification.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 
 // Until the server gave one the tag is "L!" and a UUID of this installation's own. A refresh that
@@ -55,6 +55,6 @@ class ZRMSecureDeviceTagProvider final
     const ZRMJwsSignatureVerification verification_;
     ZRMOperationQueue queue_;  // one operation at a time
 
-    mutable std::mutex mutex_;  // guards what follows; never held while calling out
-    std::string secureDeviceTag_;
+    mutable ZRMMutex mutex_;  // guards what follows; never held while calling out
+    std::string secureDeviceTag_ ZRM_GUARDED_BY(mutex_);
 };

@@ -1,8 +1,7 @@
 #include "ZRMMobileKit/ZRMMobileKit_Lib/InternalServices/ZRMInternalServices.h"
 
-#include <mutex>
-
 #include "ZRMMobileKit/ZRMMobileKit_Lib/MobileService/ZRMMobileKitErrorFactory.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 namespace {
 
@@ -23,7 +22,7 @@ class Gathering {
     }
 
     void add(std::optional<ZRMError> error) {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         if (!error_) {
             error_ = std::move(error);
         }
@@ -32,8 +31,8 @@ class Gathering {
   private:
     const std::shared_ptr<ZRMQueue> mainQueue_;
     ZRMInternalServices::CompletionHandler continuation_;
-    std::mutex mutex_;  // guards the error
-    std::optional<ZRMError> error_;
+    ZRMMutex mutex_;  // guards the error
+    std::optional<ZRMError> error_ ZRM_GUARDED_BY(mutex_);
 };
 
 }  // namespace

@@ -61,12 +61,12 @@ ZRMMobileServiceImpl::ZRMMobileServiceImpl(std::shared_ptr<const ZRMPlatform> pl
 }
 
 bool ZRMMobileServiceImpl::isActivated() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return activated_;
 }
 
 std::shared_ptr<const ZRMInternalServices> ZRMMobileServiceImpl::internalServices() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return internalServices_;
 }
 
@@ -85,7 +85,7 @@ void ZRMMobileServiceImpl::activateWithCompletionHandler(CompletionHandler compl
     activation->push_back(std::move(completionHandler));
     bool finishedMeanwhile = false;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         if (activation_ != nullptr) {
             activation_->push_back(std::move(activation->front()));
             return;
@@ -140,7 +140,7 @@ void ZRMMobileServiceImpl::activateInternalServices(ZRMMobileServiceSettings set
         platform_->executor->mainQueue(),
         makeInternalServices_(settings, serverTimeProvider, memoryLogger));
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         internalServices_ = services;
     }
     services->activateWithCompletionHandler(
@@ -161,7 +161,7 @@ void ZRMMobileServiceImpl::activateInternalServices(ZRMMobileServiceSettings set
 void ZRMMobileServiceImpl::finishActivation(const Activation& activation,
                                             const std::optional<ZRMError>& error) {
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         activation_ = nullptr;
         activated_ = !error.has_value();
     }
@@ -195,7 +195,7 @@ void ZRMMobileServiceImpl::startSettingsUpdateWithDeviceTagProvider(
                 platform_, ZRMCertificateProvider::rootCertificate(*platform_->resourceBundles,
                                                                    *platform_->fileManager))});
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         settingsUpdater_ = updater;
     }
     updater->updateWithCompletionHandler(
@@ -234,7 +234,7 @@ void ZRMMobileServiceImpl::analyzeEnvironmentWithCompletionHandler(
     }
     bool analyzedBefore = false;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         analyzedBefore = std::exchange(environmentAnalyzed_, true);
     }
     if (analyzedBefore) {
@@ -246,7 +246,7 @@ void ZRMMobileServiceImpl::analyzeEnvironmentWithCompletionHandler(
          completionHandler = std::move(completionHandler)](const std::optional<ZRMError>& error) {
             if (error) {
                 zrm_logError(self.get(), error->localizedDescription());
-                const std::lock_guard lock(self->mutex_);
+                const ZRMLockGuard lock(self->mutex_);
                 self->environmentAnalyzed_ = false;
             }
             call(completionHandler, error);

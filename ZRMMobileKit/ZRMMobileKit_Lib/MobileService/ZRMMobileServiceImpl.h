@@ -3,7 +3,6 @@
 
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,6 +15,7 @@
 #include "ZRMMobileKit/ZRMMobileKit_Lib/Settings/Provider/ZRMSettingsProviding.h"
 #include "ZRMMobileKit/ZRMMobileKit_Lib/Settings/Updater/ZRMSettingsUpdater.h"
 #include "ZRMMobileKit/ZRMMobileService.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 
 // The rules for handlers and threads are those of ZRMMobileService. Owned by shared_ptr, so that a
@@ -97,10 +97,10 @@ class ZRMMobileServiceImpl : public std::enable_shared_from_this<ZRMMobileServic
     const MakeInternalServices makeInternalServices_;
     const std::shared_ptr<ZRMLoggerCollection> loggerCollection_;
 
-    mutable std::mutex mutex_;  // guards what follows; never held while anything else is called
-    Activation activation_;     // null while none is under way
-    bool activated_ = false;
-    bool environmentAnalyzed_ = false;
-    std::shared_ptr<const ZRMInternalServices> internalServices_;
-    std::shared_ptr<ZRMSettingsUpdater> settingsUpdater_;
+    mutable ZRMMutex mutex_;  // guards what follows; never held while anything else is called
+    Activation activation_ ZRM_GUARDED_BY(mutex_);  // null while none is under way
+    bool activated_ ZRM_GUARDED_BY(mutex_) = false;
+    bool environmentAnalyzed_ ZRM_GUARDED_BY(mutex_) = false;
+    std::shared_ptr<const ZRMInternalServices> internalServices_ ZRM_GUARDED_BY(mutex_);
+    std::shared_ptr<ZRMSettingsUpdater> settingsUpdater_ ZRM_GUARDED_BY(mutex_);
 };

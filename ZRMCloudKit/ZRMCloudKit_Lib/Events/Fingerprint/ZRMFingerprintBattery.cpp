@@ -3,7 +3,8 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <mutex>
+
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 namespace {
 
@@ -56,8 +57,8 @@ std::span<const ZRMEventField<ZRMFingerprintBattery>> ZRMFingerprintBattery::fie
 }
 
 ZRMFingerprintBattery ZRMFingerprintBattery::read(ZRMPower& power) {
-    static auto& mutex = *new std::mutex;
-    const std::lock_guard lock(mutex);
+    static auto& mutex = *new ZRMMutex;
+    const ZRMLockGuard lock(mutex);
     const MonitoringWhileReading monitoring(power);
     return {withoutNoise(power.batteryLevel()), static_cast<int>(power.batteryState())};
 }

@@ -28,12 +28,12 @@ ZRMCloudKitAdapter::ZRMCloudKitAdapter(std::shared_ptr<const ZRMPlatform> platfo
 
 void ZRMCloudKitAdapter::setServerTimeProvider(
     std::shared_ptr<ZRMServerTimeProvider> serverTimeProvider) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     serverTimeProvider_ = std::move(serverTimeProvider);
 }
 
 void ZRMCloudKitAdapter::observeMemoryLogger(std::shared_ptr<ZRMMemoryLogger> memoryLogger) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     memoryLogger_ = std::move(memoryLogger);
 }
 
@@ -41,7 +41,7 @@ void ZRMCloudKitAdapter::activateWithCompletionHandler(const CompletionHandler& 
     if (!isRunning()) {
         std::shared_ptr<ZRMServerTimeProvider> serverTimeProvider;
         {
-            const std::lock_guard lock(mutex_);
+            const ZRMLockGuard lock(mutex_);
             serverTimeProvider = serverTimeProvider_;
         }
         const auto cloudKit = cloudKitProvider_->cloudKitWithConfiguration(
@@ -50,7 +50,7 @@ void ZRMCloudKitAdapter::activateWithCompletionHandler(const CompletionHandler& 
             cloudKit->start();
         }
 
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         cloudKit_ = cloudKit;
         running_ = true;
     }
@@ -83,12 +83,12 @@ ZRMCloudKitConfiguration ZRMCloudKitAdapter::makeCloudKitConfiguration() const {
 }
 
 bool ZRMCloudKitAdapter::isRunning() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return running_;
 }
 
 std::shared_ptr<ZRMCloudKit> ZRMCloudKitAdapter::cloudKit() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return cloudKit_;
 }
 
@@ -145,7 +145,7 @@ void ZRMCloudKitAdapter::performAfterStartActionsWithCompletionHandler(
 
 void ZRMCloudKitAdapter::stopWithCompletionHandler(const CompletionHandler& completionHandler) {
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         running_ = false;
     }
     completionHandler(std::nullopt);
@@ -174,7 +174,7 @@ std::string ZRMCloudKitAdapter::secureDeviceTag() const {
 void ZRMCloudKitAdapter::startMemoryLoggerMonitor(const std::shared_ptr<ZRMCloudKit>& cloudKit) {
     std::shared_ptr<ZRMMemoryLoggerMonitor> monitor;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         if (memoryLogger_ == nullptr) {
             return;
         }

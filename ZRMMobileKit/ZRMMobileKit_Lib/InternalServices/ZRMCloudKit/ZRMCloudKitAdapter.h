@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 
 #include "ZRMCloudKit/ZRMCloudKit_Lib/CloudKit/ZRMCloudKit.h"
 #include "ZRMCloudKit/ZRMCloudKit_Lib/CloudKit/ZRMCloudKitConfiguration.h"
@@ -14,6 +13,7 @@
 #include "ZRMMobileKit/ZRMMobileKit_Lib/InternalServices/ZRMDeviceTagProvider.h"
 #include "ZRMMobileKit/ZRMMobileKit_Lib/InternalServices/ZRMInternalService.h"
 #include "ZRMMobileKit/ZRMMobileKit_Lib/Settings/ZRMMobileServiceSettings.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 
 // Turns the facade's calls into the event core's, as far as the settings allow. Handlers are called
@@ -74,10 +74,10 @@ class ZRMCloudKitAdapter final : public ZRMInternalService, public ZRMDeviceTagP
     const ZRMMobileServiceSettings mobileServiceSettings_;
     ZRMOperationQueue queue_;  // one location request at a time
 
-    mutable std::mutex mutex_;  // guards what follows; never held while the event core is called
-    std::shared_ptr<ZRMServerTimeProvider> serverTimeProvider_;
-    std::shared_ptr<ZRMMemoryLogger> memoryLogger_;
-    std::shared_ptr<ZRMCloudKit> cloudKit_;
-    bool running_ = false;
-    std::shared_ptr<ZRMMemoryLoggerMonitor> memoryLoggerMonitor_;
+    mutable ZRMMutex mutex_;  // guards what follows; never held while the event core is called
+    std::shared_ptr<ZRMServerTimeProvider> serverTimeProvider_ ZRM_GUARDED_BY(mutex_);
+    std::shared_ptr<ZRMMemoryLogger> memoryLogger_ ZRM_GUARDED_BY(mutex_);
+    std::shared_ptr<ZRMCloudKit> cloudKit_ ZRM_GUARDED_BY(mutex_);
+    bool running_ ZRM_GUARDED_BY(mutex_) = false;
+    std::shared_ptr<ZRMMemoryLoggerMonitor> memoryLoggerMonitor_ ZRM_GUARDED_BY(mutex_);
 };

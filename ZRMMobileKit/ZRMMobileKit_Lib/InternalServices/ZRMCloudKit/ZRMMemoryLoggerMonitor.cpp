@@ -23,7 +23,7 @@ ZRMMemoryLoggerMonitor::~ZRMMemoryLoggerMonitor() {
 
 void ZRMMemoryLoggerMonitor::startWithNotifyBlock(NotifyBlock notifyBlock) {
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         notifyBlock_ = std::move(notifyBlock);
         runLoop_ = ZRMRunLoop::currentRunLoop(executor_);
     }
@@ -37,7 +37,7 @@ void ZRMMemoryLoggerMonitor::startWithNotifyBlock(NotifyBlock notifyBlock) {
 void ZRMMemoryLoggerMonitor::stop() {
     memoryLogger_->removeObserver(this);
     stopTimer();
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     notifyBlock_ = nullptr;
     runLoop_ = nullptr;
 }
@@ -58,7 +58,7 @@ bool ZRMMemoryLoggerMonitor::isMemoryLimitReached() const {
 void ZRMMemoryLoggerMonitor::notify() {
     NotifyBlock notifyBlock;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         notifyBlock = notifyBlock_;
     }
     if (notifyBlock) {
@@ -73,7 +73,7 @@ void ZRMMemoryLoggerMonitor::restartTimer() {
                 self->notify();
             }
         }));
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     if (runLoop_ == nullptr) {
         return;  // stopped meanwhile
     }
@@ -85,7 +85,7 @@ void ZRMMemoryLoggerMonitor::restartTimer() {
 }
 
 void ZRMMemoryLoggerMonitor::stopTimer() {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     if (timer_ != nullptr) {
         timer_->invalidate();
         timer_ = nullptr;

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -12,6 +11,7 @@
 #include "ZRMCoreKit/ZRMCoreKit_Lib/RunLoop/ZRMRunLoop.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Timer/ZRMTimer.h"
 #include "ZRMPlatform/Ports/ZRMExecutor.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 // May be used from any thread, but not started or stopped from inside its own callback. Every line
 // is handed over exactly once.
@@ -51,8 +51,8 @@ class ZRMMemoryLoggerMonitor final : public ZRMMemoryLoggerObserver,
 
     // Guards what follows. Never held while the logger or the callback is called: the logger calls
     // this monitor with its own lock held.
-    std::mutex mutex_;
-    NotifyBlock notifyBlock_;
-    std::shared_ptr<ZRMRunLoop> runLoop_;
-    std::shared_ptr<ZRMTimer> timer_;
+    ZRMMutex mutex_;
+    NotifyBlock notifyBlock_ ZRM_GUARDED_BY(mutex_);
+    std::shared_ptr<ZRMRunLoop> runLoop_ ZRM_GUARDED_BY(mutex_);
+    std::shared_ptr<ZRMTimer> timer_ ZRM_GUARDED_BY(mutex_);
 };
