@@ -8,7 +8,7 @@ namespace {
 
 constexpr const char* kPath = "/stat";
 constexpr double kTimeoutSeconds = 60;  // of a request and of its whole exchange
-constexpr double kDay = 86400;
+constexpr double kDaySeconds = 86400;
 
 }  // namespace
 
@@ -45,9 +45,9 @@ std::string ZRMSimulationServer::date() const {
         case Clock::Garbage:
             return "yesterday, \xff about noon";
         case Clock::Early:
-            return written(now - 40 * kDay);
+            return written(now - 40 * kDaySeconds);
         case Clock::Late:
-            return written(now + 3 * kDay);
+            return written(now + 3 * kDaySeconds);
         case Clock::FarFuture:
             return "Fri, 31 Dec 9999 23:59:59 GMT";
         case Clock::None:

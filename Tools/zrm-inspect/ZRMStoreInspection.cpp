@@ -66,7 +66,7 @@ ZRMDictionary reportOf(const Record& record, bool& isGood) {
     return report;
 }
 
-ZRMInspection failed(const ZRMError& error) {
+ZRMInspection failedStore(const ZRMError& error) {
     return {{{"records", ZRMJsonArray()}, {"error", zrm_reportOfError(error)}}, false};
 }
 
@@ -76,11 +76,12 @@ ZRMInspection zrm_inspectStore(const std::string& home) {
     std::error_code failure;
     const auto stores = storesBelow(home, failure);
     if (failure) {
-        return failed(ZRMError::withDescription(kZRMPosixErrorDomain, failure.value(),
-                                                home + ": " + failure.message()));
+        return failedStore(ZRMError::withDescription(kZRMPosixErrorDomain, failure.value(),
+                                                     home + ": " + failure.message()));
     }
     if (stores.empty()) {
-        return failed(zrm_inspectError(ZRMInspectErrorNoStore, "there is no store below " + home));
+        return failedStore(
+            zrm_inspectError(ZRMInspectErrorNoStore, "there is no store below " + home));
     }
     std::vector<Record> records;
     try {
@@ -88,7 +89,7 @@ ZRMInspection zrm_inspectStore(const std::string& home) {
             readStore(store, records);
         }
     } catch (const SQLite::Exception& exception) {
-        return failed(zrm_errorFromSqlite(exception));
+        return failedStore(zrm_errorFromSqlite(exception));
     }
     std::stable_sort(records.begin(), records.end(), [](const auto& left, const auto& right) {
         return left.row.storeTimestamp < right.row.storeTimestamp;

@@ -11,7 +11,7 @@ namespace {
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 const std::string kWithNul("a\0b", 3);
-const std::string kNotUtf8 = "caf\xE9";
+const std::string kBytesThatAreNoText = "caf\xE9";
 
 }  // namespace
 
@@ -31,7 +31,7 @@ TEST(ZRMSignalChecks, ACallHasAUuid) {
     EXPECT_TRUE(zrm_isSignalCall({.uuid = "6F9619FF-8B86-D011-B42D-00C04FC964FF"}));
     EXPECT_FALSE(zrm_isSignalCall({.uuid = std::nullopt}));
     EXPECT_FALSE(zrm_isSignalCall({.uuid = ""}));
-    EXPECT_FALSE(zrm_isSignalCall({.uuid = kNotUtf8}));
+    EXPECT_FALSE(zrm_isSignalCall({.uuid = kBytesThatAreNoText}));
     EXPECT_FALSE(zrm_isSignalCall({.uuid = kWithNul}));
 }
 
@@ -65,17 +65,17 @@ TEST(ZRMSignalChecks, ALocationIsOnTheEarth) {
 TEST(ZRMSignalChecks, ANetworkHasTextsOrNone) {
     EXPECT_TRUE(zrm_isSignalNetwork({}));
     EXPECT_TRUE(zrm_isSignalNetwork({"Caf\xC3\xA9", "a4:5e:60:01:02:03"}));
-    EXPECT_FALSE(zrm_isSignalNetwork({kNotUtf8, std::nullopt}));
+    EXPECT_FALSE(zrm_isSignalNetwork({kBytesThatAreNoText, std::nullopt}));
     EXPECT_FALSE(zrm_isSignalNetwork({"Lobby", kWithNul}));
 }
 
 TEST(ZRMSignalChecks, CarriersAreFewAndHaveTextsOrNone) {
     EXPECT_TRUE(zrm_areSignalCarriers({}));
     EXPECT_TRUE(zrm_areSignalCarriers({{true, "at", "232", "01", "Alpine Mobile"}, {}}));
-    EXPECT_FALSE(zrm_areSignalCarriers({{}, {.isoCountryCode = kNotUtf8}}));
-    EXPECT_FALSE(zrm_areSignalCarriers({{.mobileCountryCode = kNotUtf8}}));
-    EXPECT_FALSE(zrm_areSignalCarriers({{.mobileNetworkCode = kNotUtf8}}));
-    EXPECT_FALSE(zrm_areSignalCarriers({{.name = kNotUtf8}}));
+    EXPECT_FALSE(zrm_areSignalCarriers({{}, {.isoCountryCode = kBytesThatAreNoText}}));
+    EXPECT_FALSE(zrm_areSignalCarriers({{.mobileCountryCode = kBytesThatAreNoText}}));
+    EXPECT_FALSE(zrm_areSignalCarriers({{.mobileNetworkCode = kBytesThatAreNoText}}));
+    EXPECT_FALSE(zrm_areSignalCarriers({{.name = kBytesThatAreNoText}}));
     EXPECT_TRUE(zrm_areSignalCarriers(std::vector<ZRMCarrier>(kZRMMaxSignalCarriers)));
     EXPECT_FALSE(zrm_areSignalCarriers(std::vector<ZRMCarrier>(kZRMMaxSignalCarriers + 1)));
 }
