@@ -306,6 +306,8 @@ TEST_F(ZRMSecureDeviceTagProviderTest, RefreshesRunOneAfterTheOther) {
     EXPECT_EQ(requestCount(), 1U);
     device_.advanceBy(2);
     EXPECT_EQ(requestCount(), 2U);
+    device_.advanceBy(5);
+    EXPECT_EQ(provider_->secureDeviceTag(), "A");
 }
 
 TEST_F(ZRMSecureDeviceTagProviderTest, RefreshUnderWayOutlivesItsOwner) {

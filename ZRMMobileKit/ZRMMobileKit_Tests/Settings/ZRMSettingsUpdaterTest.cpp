@@ -331,6 +331,8 @@ TEST_F(ZRMSettingsUpdaterTest, UpdatesOfOneUpdaterRunOneAfterTheOther) {
     EXPECT_EQ(device_.network().requests().size(), 1U);
     device_.advanceBy(2);
     EXPECT_EQ(device_.network().requests().size(), 2U);
+    device_.advanceBy(10);
+    EXPECT_EQ(stored(), document_);
 }
 
 TEST_F(ZRMSettingsUpdaterTest, FailedUpdateIsTriedAgainAtTheNextActivation) {
