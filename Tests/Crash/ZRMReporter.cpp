@@ -6,7 +6,6 @@
 // ZRMReporterBook; numbers of logins go on where an earlier life left off. Without BOOK and
 // PER-SECOND it activates, prints how many events are pending, and ends.
 #include <atomic>
-#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <ctime>
@@ -80,7 +79,7 @@ void report(ZRMMobileService& service, Book& book, std::uint64_t perSecond) {
         if (perSecond > 0) {
             next += 1'000'000'000 / perSecond;
             while (monotonicNanoseconds() < next) {
-                std::this_thread::sleep_for(std::chrono::microseconds(100));
+                std::this_thread::yield();
                 if (service.unstoredEventCount() == 0) {
                     book.stored = number + 1;
                 }
@@ -104,7 +103,7 @@ int main(int count, char** arguments) {
     if (count == 4) {
         // The activation reports by itself, too.
         while (service->unstoredEventCount() > 0) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            std::this_thread::yield();
         }
         std::cout << service->pendingEventCount() << std::endl;
         return 0;
