@@ -143,14 +143,16 @@ std::optional<ZRMError> ZRMSimulatedFileManager::excludeFromBackup(const std::st
     return zrm_simulatedPosixError(error != 0 ? error : disk_->excludeFromBackup(path));
 }
 
+int ZRMSimulatedFileManager::open(const std::string& path,
+                                  std::shared_ptr<ZRMSimulatedFile>& file) const {
+    const int error = judge(Operation::Open, path);
+    return error != 0 ? error : disk_->find(path, file);
+}
+
 ZRMResult<std::unique_ptr<ZRMFileHandle>> ZRMSimulatedFileManager::openForUpdating(
     const std::string& path) {
-    int error = judge(Operation::Open, path);
     std::shared_ptr<ZRMSimulatedFile> file;
-    if (error == 0) {
-        error = disk_->find(path, file);
-    }
-    if (error != 0) {
+    if (const int error = open(path, file); error != 0) {
         return *zrm_simulatedPosixError(error);
     }
     return std::unique_ptr<ZRMFileHandle>(std::make_unique<ZRMSimulatedFileHandle>(
@@ -159,12 +161,8 @@ ZRMResult<std::unique_ptr<ZRMFileHandle>> ZRMSimulatedFileManager::openForUpdati
 
 ZRMResult<std::unique_ptr<ZRMFileReader>> ZRMSimulatedFileManager::openForReading(
     const std::string& path) const {
-    int error = judge(Operation::Open, path);
     std::shared_ptr<ZRMSimulatedFile> file;
-    if (error == 0) {
-        error = disk_->find(path, file);
-    }
-    if (error != 0) {
+    if (const int error = open(path, file); error != 0) {
         return *zrm_simulatedPosixError(error);
     }
     return std::unique_ptr<ZRMFileReader>(std::make_unique<ZRMSimulatedFileReader>(

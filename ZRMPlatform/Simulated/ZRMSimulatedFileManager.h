@@ -36,6 +36,8 @@ class ZRMSimulatedFileManager final : public ZRMFileManager {
 
   private:
     [[nodiscard]] int judge(ZRMSimulatedDiskOperation operation, const std::string& path) const;
+    // Finds the file and answers the error number, or 0.
+    [[nodiscard]] int open(const std::string& path, std::shared_ptr<ZRMSimulatedFile>& file) const;
     int writeBeside(const std::string& path, const ZRMData& bytes);
 
     std::shared_ptr<ZRMSimulatedDisk> disk_;
