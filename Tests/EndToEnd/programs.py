@@ -86,7 +86,8 @@ class Server(Program):
         self.port = int(self.first_line.rsplit(":", 1)[1])
 
     def events(self):
-        return [json.loads(line) for line in self.events_path.read_text().splitlines()]
+        """What has arrived so far, without a line that is still being written."""
+        return [json.loads(line) for line in self.events_path.read_text().split("\n")[:-1]]
 
     def stop(self):
         return self.end(signal.SIGTERM)

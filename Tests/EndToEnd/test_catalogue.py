@@ -84,6 +84,7 @@ class CatalogueTest(EndToEndTest):
         host.run_all(["start"])
         for event_type in [*ANALYSIS, "IOSCallInfoEvent", "LogDataEvent"]:
             self.wait_for(host, event_type)
+        host.drain()  # every signal is observed from here on
 
         host.run_all([f"signal call {CALL} connected"])
         self.wait_for(host, "IOSCallInfoEvent", lambda event: event["stage"] == 1)
@@ -131,7 +132,9 @@ class CatalogueTest(EndToEndTest):
     def test_a_call_that_ends_is_told_with_its_last_state(self):
         self.seen = 0
         host = self.start_steered_host()
-        host.run_all(["activate", f"signal call {CALL} connected", f"signal call {CALL} connected ended"])
+        host.run_all(["activate"])
+        self.wait_for(host, "IOSCallInfoEvent")  # calls are observed from here on
+        host.run_all([f"signal call {CALL} connected", f"signal call {CALL} connected ended"])
         self.wait_for(host, "IOSCallInfoEvent",
                       lambda event: event["stage"] == 1 and event["changedCall"]["hasEnded"])
 
