@@ -101,8 +101,9 @@ std::span<const std::uint8_t> ZRMLinuxLoader::mappedBytesAtIndex(std::uint32_t i
     visitImageAtIndex(index, [&](const dl_phdr_info& image) {
         const auto* const segment = headerSegment(image);
         if (segment != nullptr && (segment->p_flags & PF_R) != 0) {
-            bytes = {reinterpret_cast<const std::uint8_t*>(headerAddress(image)),
-                     segment->p_filesz};
+            // NOLINTNEXTLINE(performance-no-int-to-ptr): the loader tells addresses as numbers.
+            const auto* const begin = reinterpret_cast<const std::uint8_t*>(headerAddress(image));
+            bytes = {begin, segment->p_filesz};
         }
     });
     return bytes;

@@ -179,6 +179,28 @@ TEST(ZRMUniversalFileTest, SlicesOutsideTheFileAreLeftOut) {
     EXPECT_TRUE(slices->empty());
 }
 
+TEST(ZRMUniversalFileTest, SlicesThatOverlapOneBeforeThemAreLeftOut) {
+    struct Place {
+        std::uint32_t offset;
+        std::uint32_t size;
+    };
+    // Apart, the same again, over its beginning, over its end, inside it, around it, and beside it.
+    constexpr Place kPlaces[] = {{200, 40}, {200, 40}, {190, 20}, {230, 20},
+                                 {210, 10}, {190, 60}, {180, 20}, {240, 20}};
+    ZRMData file(300, 0);
+    zrm_putBig32(file, 0, 0xcafebabe);
+    zrm_putBig32(file, 4, std::size(kPlaces));
+    for (std::size_t index = 0; index < std::size(kPlaces); ++index) {
+        zrm_putBig32(file, 8 + 20 * index + 8, kPlaces[index].offset);
+        zrm_putBig32(file, 8 + 20 * index + 12, kPlaces[index].size);
+    }
+    const auto slices = zrm_slicesOfUniversalFile(ZRMImageView(file));
+    ASSERT_TRUE(slices && slices->size() == 3);
+    EXPECT_EQ((*slices)[0].offset, 200U);
+    EXPECT_EQ((*slices)[1].offset, 180U);
+    EXPECT_EQ((*slices)[2].offset, 240U);
+}
+
 TEST(ZRMUniversalFileTest, AThinExecutableIsNoUniversalFile) {
     EXPECT_FALSE(
         zrm_slicesOfUniversalFile(ZRMImageView(zrm_writeSignedImage({}).bytes)).has_value());

@@ -11,7 +11,7 @@
 namespace {
 
 // One upload ready behind each that runs keeps the queue busy.
-constexpr std::size_t kMaxEnqueued = 2 * ZRMStatisticsSenderImpl::kMaxUploads;
+constexpr std::size_t kMaxEnqueued = std::size_t{2} * ZRMStatisticsSenderImpl::kMaxUploads;
 
 std::shared_ptr<ZRMReachabilityInspector> inspectorForUrl(
     const std::shared_ptr<const ZRMPlatform>& platform, const std::string& text) {

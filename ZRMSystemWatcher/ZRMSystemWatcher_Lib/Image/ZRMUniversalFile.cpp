@@ -1,5 +1,8 @@
 #include "ZRMSystemWatcher/ZRMSystemWatcher_Lib/Image/ZRMUniversalFile.h"
 
+#include <iterator>
+#include <map>
+
 namespace {
 
 constexpr std::uint32_t kFatMagic32 = 0xcafebabe;
@@ -15,6 +18,21 @@ struct EntryLayout {
 constexpr EntryLayout kLayout32{20, 8, 12};
 constexpr EntryLayout kLayout64{32, 8, 16};
 
+// Keeps a forged header from naming the same bytes a million times.
+class TakenBytes {
+  public:
+    // Whether nothing of [begin, end) was taken before; it is then.
+    bool take(std::uint64_t begin, std::uint64_t end) {
+        const auto next = ends_.lower_bound(begin);
+        const bool overlaps = (next != ends_.end() && next->first < end) ||
+                              (next != ends_.begin() && std::prev(next)->second > begin);
+        return !overlaps && ends_.try_emplace(begin, end).second;
+    }
+
+  private:
+    std::map<std::uint64_t, std::uint64_t> ends_;  // by where they begin
+};
+
 }  // namespace
 
 std::optional<std::vector<ZRMUniversalSlice>> zrm_slicesOfUniversalFile(const ZRMImageView& file) {
@@ -27,6 +45,7 @@ std::optional<std::vector<ZRMUniversalSlice>> zrm_slicesOfUniversalFile(const ZR
     const bool wide = magic == kFatMagic64;
     const auto& layout = wide ? kLayout64 : kLayout32;
     std::vector<ZRMUniversalSlice> slices;
+    TakenBytes taken;
     for (std::uint32_t index = 0; index < *count; ++index) {
         const auto entry = file.part(kHeaderSize + index * layout.entrySize, layout.entrySize);
         if (!entry) {
@@ -36,7 +55,8 @@ std::optional<std::vector<ZRMUniversalSlice>> zrm_slicesOfUniversalFile(const ZR
             return wide ? *entry->u64(at, kOrder) : *entry->u32(at, kOrder);
         };
         const auto offset = field(layout.offsetField);
-        if (auto image = file.part(offset, field(layout.sizeField))) {
+        auto image = file.part(offset, field(layout.sizeField));
+        if (image && taken.take(offset, offset + image->size())) {
             slices.push_back({offset, *std::move(image)});
         }
     }

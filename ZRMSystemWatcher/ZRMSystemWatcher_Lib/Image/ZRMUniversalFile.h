@@ -12,6 +12,7 @@ struct ZRMUniversalSlice {
     ZRMImageView image;
 };
 
-// The slices in the file's order; those that do not lie inside the file are left out. Absent when
-// the file is not a universal one, in which case it may be an executable itself.
+// The slices in the header's order; those that do not lie inside the file, or overlap one named
+// before them, are left out. Absent when the file is not a universal one, in which case it may be an
+// executable itself.
 std::optional<std::vector<ZRMUniversalSlice>> zrm_slicesOfUniversalFile(const ZRMImageView& file);
