@@ -101,7 +101,10 @@ int main(int count, char** arguments) {
         return 1;
     }
     if (count == 4) {
-        // The activation reports by itself, too.
+        // The activation reports by itself, too, right after its answer and on the same queue.
+        std::promise<void> reported;
+        ZRMPlatform::current()->executor->mainQueue()->post([&reported] { reported.set_value(); });
+        reported.get_future().wait();
         while (service->unstoredEventCount() > 0) {
             std::this_thread::yield();
         }

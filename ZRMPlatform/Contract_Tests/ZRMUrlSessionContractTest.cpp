@@ -1,4 +1,5 @@
 // What ZRMUrlSession.h promises.
+#include <atomic>
 #include <mutex>
 #include <thread>
 
@@ -108,12 +109,13 @@ TEST_P(ZRMUrlSessionContract, SendsMethodHeadersAndBody) {
 }
 
 TEST_P(ZRMUrlSessionContract, NeverCompletesWithinStart) {
-    const auto starting = std::make_shared<std::thread::id>(std::this_thread::get_id());
+    const auto starting =
+        std::make_shared<std::atomic<std::thread::id>>(std::this_thread::get_id());
     const auto session = makeSession();
     session->start(get("no url"), [=, notes = notes_](const ZRMUrlExchange&) {
-        notes->add(*starting == std::this_thread::get_id() ? "within" : "later");
+        notes->add(starting->load() == std::this_thread::get_id() ? "within" : "later");
     });
-    *starting = {};
+    starting->store({});
     ASSERT_TRUE(waitForNotes(1));
     EXPECT_THAT(notes(), ElementsAre("later"));
 }

@@ -13,6 +13,6 @@ struct ZRMUniversalSlice {
 };
 
 // The slices in the header's order; those that do not lie inside the file, or overlap one named
-// before them, are left out. Absent when the file is not a universal one, in which case it may be an
-// executable itself.
+// before them, are left out. Absent when the file is not a universal one, in which case it may be
+// an executable itself.
 std::optional<std::vector<ZRMUniversalSlice>> zrm_slicesOfUniversalFile(const ZRMImageView& file);
