@@ -142,6 +142,12 @@ bool ZRMCloudKitImpl::send(std::int16_t priority, const MakeEvent& makeEvent) {
     return true;
 }
 
+void ZRMCloudKitImpl::report(std::int16_t priority, const MakeEvent& makeEvent) {
+    if (const auto core = started()) {
+        core->statisticsService->send(makeEvent(*core->eventProvider), priority);
+    }
+}
+
 void ZRMCloudKitImpl::perform(std::function<void(ZRMCloudKitImpl& core)> work) {
     ++*worksUnderWay_;
     queue_.addOperationWithBlock(
@@ -160,24 +166,24 @@ void ZRMCloudKitImpl::logNotAvailable(const char* name) const {
 
 void ZRMCloudKitImpl::sendUserLogin(const std::string& userName, const std::string& result,
                                     const std::string& userId) {
-    send(kZRMEventPriorityUser, [&](const ZRMEventProvider& provider) {
+    report(kZRMEventPriorityUser, [&](const ZRMEventProvider& provider) {
         return provider.userLoginEventWithUserName(userName, result, userId);
     });
 }
 
 void ZRMCloudKitImpl::sendUserLogout() {
-    send(kZRMEventPriorityUser,
-         [](const ZRMEventProvider& provider) { return provider.userLogoutEvent(); });
+    report(kZRMEventPriorityUser,
+           [](const ZRMEventProvider& provider) { return provider.userLogoutEvent(); });
 }
 
 void ZRMCloudKitImpl::sendUINavigationPoint(const std::string& navigationPoint) {
-    send(kZRMEventPriorityUsual, [&](const ZRMEventProvider& provider) {
+    report(kZRMEventPriorityUsual, [&](const ZRMEventProvider& provider) {
         return provider.uiNavigationEventWithNavigationPoint(navigationPoint);
     });
 }
 
 void ZRMCloudKitImpl::sendSessionId(const std::string& identifier) {
-    send(kZRMEventPriorityUsual, [&](const ZRMEventProvider& provider) {
+    report(kZRMEventPriorityUsual, [&](const ZRMEventProvider& provider) {
         return provider.sessionIdEventWithIdentifier(identifier);
     });
 }

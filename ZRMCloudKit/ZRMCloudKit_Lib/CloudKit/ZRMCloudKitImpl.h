@@ -103,6 +103,8 @@ class ZRMCloudKitImpl final : public ZRMCloudKit,
 
     // Builds the event and queues it, on the calling thread. False before start().
     bool send(std::int16_t priority, const MakeEvent& makeEvent);
+    // The same for what the host says, whose thread makes the event's object and no more.
+    void report(std::int16_t priority, const MakeEvent& makeEvent);
     void sendFromSource(const std::shared_ptr<ZRMEventSource>& source, const char* name);
     // Runs the work on the core's queue, unless the core is gone by then.
     void perform(std::function<void(ZRMCloudKitImpl& core)> work);

@@ -1,6 +1,7 @@
 // A statistics service that keeps what it is given.
 #pragma once
 
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -17,6 +18,9 @@ class ZRMRecordingStatisticsService final : public ZRMStatisticsService {
     void stop() override {}
     void send(const ZRMStatisticsEvent& event, std::int16_t priority) override {
         sent.push_back({event.parameters(), priority});
+    }
+    void send(std::shared_ptr<const ZRMStatisticsEvent> event, std::int16_t priority) override {
+        sent.push_back({event->parameters(), priority});
     }
     [[nodiscard]] std::size_t pendingEventCount() const override { return sent.size(); }
     [[nodiscard]] std::size_t unstoredEventCount() const override { return unstored; }

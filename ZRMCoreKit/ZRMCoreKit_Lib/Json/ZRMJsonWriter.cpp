@@ -1,6 +1,8 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Json/ZRMJsonText.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMText.h"
@@ -10,6 +12,19 @@ namespace {
 constexpr std::size_t kMaximumDepth = 512;
 
 enum class Style { Compact, Pretty };
+
+// Whether one of eight bytes is a control character, a quotation mark or a backslash.
+bool hasEscape(const char* bytes) {
+    constexpr std::uint64_t kOnes = 0x0101010101010101U;
+    constexpr std::uint64_t kHighBits = 0x80 * kOnes;
+    const auto hasByteBelow = [](std::uint64_t word, std::uint64_t bound) {
+        return ((word - bound * kOnes) & ~word & kHighBits) != 0;
+    };
+    std::uint64_t word = 0;
+    std::memcpy(&word, bytes, sizeof(word));
+    return hasByteBelow(word, 0x20) || hasByteBelow(word ^ '"' * kOnes, 1) ||
+           hasByteBelow(word ^ '\\' * kOnes, 1);
+}
 
 // Appends values to a text; the first value that cannot be written ends it with a reason.
 class Writer {
@@ -122,6 +137,10 @@ class Writer {
         text_.push_back('"');
         std::size_t plain = 0;
         for (std::size_t index = 0; index < string.size(); ++index) {
+            while (string.size() - index > sizeof(std::uint64_t) &&
+                   !hasEscape(string.data() + index)) {
+                index += sizeof(std::uint64_t);
+            }
             const auto byte = static_cast<unsigned char>(string[index]);
             if (byte >= 0x20 && byte != '"' && byte != '\\') {
                 continue;

@@ -42,6 +42,19 @@ std::size_t asciiLength(std::string_view text) {
     return length;
 }
 
+// How many bytes at the start are well-formed characters of two bytes.
+std::size_t twoByteLength(std::string_view text) {
+    const auto byteAt = [text](std::size_t index) {
+        return static_cast<unsigned char>(text[index]);
+    };
+    std::size_t length = 0;
+    while (text.size() - length >= 2 && byteAt(length) >= 0xC2 && byteAt(length) <= 0xDF &&
+           (byteAt(length + 1) & 0xC0U) == 0x80) {
+        length += 2;
+    }
+    return length;
+}
+
 bool isControl(UChar32 character) {
     return character >= 0 && (U_GET_GC_MASK(character) & (U_GC_CC_MASK | U_GC_CF_MASK)) != 0;
 }
@@ -49,8 +62,14 @@ bool isControl(UChar32 character) {
 }  // namespace
 
 bool zrm_isValidUtf8(std::string_view text) {
-    for (text.remove_prefix(asciiLength(text)); !text.empty();
-         text.remove_prefix(asciiLength(text))) {
+    while (!text.empty()) {
+        const auto ascii = asciiLength(text);
+        text.remove_prefix(ascii);
+        const auto twoBytes = twoByteLength(text);
+        text.remove_prefix(twoBytes);
+        if (ascii + twoBytes > 0) {
+            continue;
+        }
         const auto [character, length] = zrm_firstCodePoint(text);
         if (character < 0) {
             return false;
@@ -62,10 +81,18 @@ bool zrm_isValidUtf8(std::string_view text) {
 
 std::size_t zrm_utf16Length(std::string_view text) {
     std::size_t units = 0;
-    forEachCodePoint(text, [&](UChar32 character, std::size_t, std::size_t) {
-        units += character > 0xFFFF ? 2 : 1;
-        return true;
-    });
+    while (!text.empty()) {
+        const auto ascii = asciiLength(text);
+        text.remove_prefix(ascii);
+        const auto twoBytes = twoByteLength(text);
+        text.remove_prefix(twoBytes);
+        units += ascii + twoBytes / 2;
+        if (ascii + twoBytes == 0) {
+            const auto [character, length] = zrm_firstCodePoint(text);
+            units += character > 0xFFFF ? 2 : 1;
+            text.remove_prefix(length);
+        }
+    }
     return units;
 }
 

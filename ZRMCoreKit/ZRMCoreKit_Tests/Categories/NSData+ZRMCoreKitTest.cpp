@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSData/NSData+ZRMCoreKit.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSString/NSString+ZRMCoreKit.h"
 #include "ZRMCoreKit/ZRMCoreKit_Tests/Support/ZRMRecordedLog.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedDevice.h"
 
@@ -109,6 +110,17 @@ TEST(ZRMData, Base64IsPaddedAndHasNoLineBreaks) {
     }
     EXPECT_EQ(zrm_base64String(ZRMData{0xFB, 0xFF, 0xBF}), "+/+/");
     EXPECT_EQ(zrm_base64String(ZRMData(300, 0)), std::string(400, 'A'));
+}
+
+TEST(ZRMData, Base64UrlHasItsOwnAlphabetAndNoPadding) {
+    EXPECT_EQ(zrm_base64UrlString({}), "");
+    EXPECT_EQ(zrm_base64UrlString(ZRMData{0xFB}), "-w");
+    EXPECT_EQ(zrm_base64UrlString(ZRMData{0xFB, 0xFF}), "-_8");
+    ZRMData data;
+    for (unsigned byte = 0; byte < 256; ++byte) {
+        data.push_back(static_cast<std::uint8_t>(byte * 7));
+        EXPECT_EQ(zrm_base64UrlString(data), zrm_base64UrlFromBase64String(zrm_base64String(data)));
+    }
 }
 
 TEST(ZRMData, Base64DecodingAcceptsSurplusPaddingAndLooseBits) {

@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <limits>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -71,6 +73,24 @@ TEST(ZRMJsonWriter, EscapesQuotesBackslashesAndControlCharacters) {
     EXPECT_EQ(compact(boost::json::string("\0\x01\x1f", 3)), R"("\u0000\u0001\u001f")");
     EXPECT_EQ(compact("a/b\x7f"), "\"a/b\x7f\"");
     EXPECT_EQ(compact({{"a\"b", "ä€😀"}}), "{\"a\\\"b\":\"ä€😀\"}");
+}
+
+TEST(ZRMJsonWriter, EscapesWhereverTheyStandInLongText) {
+    const std::pair<char, std::string> escapes[] = {{'"', R"(\")"},
+                                                    {'\\', R"(\\)"},
+                                                    {'\x1f', R"(\u001f)"},
+                                                    {'\n', R"(\n)"},
+                                                    {'\0', R"(\u0000)"}};
+    for (const auto& [character, escape] : escapes) {
+        for (std::size_t place = 0; place < 20; ++place) {
+            // Neighbours of what is escaped, and bytes beyond ASCII.
+            std::string text = "! #[]~ \x7f\xD0\x96 (0)!!";
+            const auto at = std::min(place, text.find('\xD0'));
+            const auto expected = '"' + text.substr(0, at) + escape + text.substr(at) + '"';
+            text.insert(at, 1, character);
+            EXPECT_EQ(compact(ZRMJsonValue(text)), expected) << place;
+        }
+    }
 }
 
 TEST(ZRMJsonWriter, RefusesNumbersThatAreNotFinite) {

@@ -32,6 +32,17 @@ TEST(ZRMText, TellsUtf8WhereverInAsciiItStands) {
     }
 }
 
+TEST(ZRMText, CharactersOfTwoBytesAreWellFormedFromTheirFirstToTheirLast) {
+    EXPECT_TRUE(zrm_isValidUtf8("\xC2\x80\xDF\xBF"));
+    EXPECT_TRUE(zrm_isValidUtf8("\xD0\x96\xE2\x82\xAC\xD0\x96\xF0\x9F\x98\x80z"));
+    EXPECT_FALSE(zrm_isValidUtf8("\xC1\xBF"));
+    EXPECT_FALSE(zrm_isValidUtf8("\xC2\x7F"));
+    EXPECT_FALSE(zrm_isValidUtf8("\xC2\xC2\x80"));
+    EXPECT_FALSE(zrm_isValidUtf8("\xD0\x96\xD0"));
+    EXPECT_FALSE(zrm_isValidUtf8("\xD0\x96\xE0\x96"));
+    EXPECT_EQ(zrm_utf16Length("\xD0\x96z\xE2\x82\xAC\xF0\x9F\x98\x80\xD0\x96"), 6U);
+}
+
 TEST(ZRMText, CountsUtf16Units) {
     EXPECT_EQ(zrm_utf16Length(""), 0U);
     EXPECT_EQ(zrm_utf16Length("abc"), 3U);

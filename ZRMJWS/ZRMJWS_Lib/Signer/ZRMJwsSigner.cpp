@@ -1,12 +1,12 @@
 #include "ZRMJWS/ZRMJWS_Lib/Signer/ZRMJwsSigner.h"
 
+#include <cstdint>
 #include <utility>
 #include <vector>
 
 #include <boost/json/serialize.hpp>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSData/NSData+ZRMCoreKit.h"
-#include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSString/NSString+ZRMCoreKit.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Json/ZRMJsonText.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLog.h"
 #include "ZRMJWS/ZRMJWS_Lib/Algorithms/ZRMJwsSignatureHeadersProvider.h"
@@ -14,7 +14,7 @@
 namespace {
 
 std::string base64UrlText(const std::string& text) {
-    return zrm_base64UrlFromBase64String(zrm_base64String(zrm_dataFromText(text)));
+    return zrm_base64UrlString({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
 }
 
 const ZRMJwsSignatureHeadersProvider* headersProvider(const ZRMJwsAlgorithm* algorithm) {

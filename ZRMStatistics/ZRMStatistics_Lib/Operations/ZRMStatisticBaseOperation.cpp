@@ -4,7 +4,6 @@
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLog.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMText.h"
-#include "ZRMStatistics/ZRMStatistics_Lib/Operations/ZRMStatisticsSaveGroup.h"
 
 ZRMStatisticBaseOperation::ZRMStatisticBaseOperation(std::shared_ptr<ZRMStatisticsData> jwsData,
                                                      std::shared_ptr<ZRMStatisticsContext> context)
@@ -13,9 +12,6 @@ ZRMStatisticBaseOperation::ZRMStatisticBaseOperation(std::shared_ptr<ZRMStatisti
       context_(std::move(context)) {}
 
 void ZRMStatisticBaseOperation::execute() {
-    if (const auto group = std::exchange(group_, nullptr)) {
-        group->run();
-    }
     auto outcome = outcome_ ? *std::exchange(outcome_, std::nullopt) : runAlone();
     if (outcome.log) {
         outcome.log();

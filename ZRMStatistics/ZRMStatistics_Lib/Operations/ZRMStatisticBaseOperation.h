@@ -52,6 +52,5 @@ class ZRMStatisticBaseOperation : public ZRMErrorProneOperation {
 
     std::shared_ptr<ZRMStatisticsData> jwsData_;
     std::shared_ptr<ZRMStatisticsContext> context_;
-    std::shared_ptr<ZRMStatisticsSaveGroup> group_;
     std::optional<Outcome> outcome_;  // once a group has saved the change
 };

@@ -1,42 +1,47 @@
 #include "ZRMStatistics/ZRMStatistics_Lib/Operations/ZRMStatisticsSaveGroup.h"
 
-#include <algorithm>
 #include <utility>
 
 bool ZRMStatisticsSaveGroup::join(const std::shared_ptr<ZRMStatisticBaseOperation>& operation) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     if (isClosed_ || operations_.size() >= kMaxOperations) {
         return false;
     }
     operations_.push_back(operation);
-    operation->group_ = shared_from_this();
     return true;
 }
 
 void ZRMStatisticsSaveGroup::run() {
     Operations operations;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         isClosed_ = true;
-        for (const auto& waiting : std::exchange(operations_, {})) {
-            auto operation = waiting.lock();
-            if (operation && !operation->isCancelled()) {
-                operations.push_back(std::move(operation));
-            }
-        }
+        operations.swap(operations_);
     }
     // One that is alone saves for itself and says so if it fails.
     if (operations.size() > 1) {
-        auto& context = *operations.front()->context();
-        context.performBlockAndWait([&] { change(operations, context); });
+        operations.front()->context()->performBlockAndWait([&] { change(operations); });
+    }
+    for (auto& operation : operations) {
+        operation->start();
+        operation.reset();
     }
 }
 
-void ZRMStatisticsSaveGroup::change(const Operations& operations, ZRMStatisticsContext& context) {
-    std::vector<ZRMStatisticBaseOperation::Outcome> outcomes;
+void ZRMStatisticsSaveGroup::change(const Operations& operations) {
+    auto& context = *operations.front()->context();
+    struct Changed {
+        ZRMStatisticBaseOperation& operation;
+        ZRMStatisticBaseOperation::Outcome outcome;
+    };
+    std::vector<Changed> changed;
+    changed.reserve(operations.size());
     for (const auto& operation : operations) {
-        outcomes.push_back(operation->changeRecords());
-        if (outcomes.back().error) {
+        if (operation->isCancelled()) {
+            continue;
+        }
+        changed.push_back({*operation, operation->changeRecords()});
+        if (changed.back().outcome.error) {
             context.rollback();
             return;
         }
@@ -44,7 +49,7 @@ void ZRMStatisticsSaveGroup::change(const Operations& operations, ZRMStatisticsC
     if (context.save()) {
         return;
     }
-    for (std::size_t index = 0; index < operations.size(); ++index) {
-        operations[index]->outcome_ = std::move(outcomes[index]);
+    for (auto& [operation, outcome] : changed) {
+        operation.outcome_ = std::move(outcome);
     }
 }

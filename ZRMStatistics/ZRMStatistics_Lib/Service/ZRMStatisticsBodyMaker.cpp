@@ -63,20 +63,20 @@ ZRMSharedData ZRMStatisticsBodyMaker::bodyWithParameters(ZRMDictionary parameter
     return std::make_shared<const ZRMData>(std::move(compressed));
 }
 
+// What can be written inside the array is valid by itself, so the check is made of the others only.
 std::optional<ZRMData> ZRMStatisticsBodyMaker::jwsDataWithParameters(
     ZRMDictionary parameters) const {
-    if (!steps_.isValidJsonObject(parameters)) {
-        zrm_logError(this, "Invalid JSON object: " + description(parameters));
-        return std::nullopt;
-    }
     ZRMDictionary wrapped;
-    wrapped[kArrayKey] = ZRMJsonArray();
-    wrapped[kArrayKey].get_array().emplace_back(std::move(parameters));
-    const auto data = json(wrapped);
+    auto& array = wrapped.emplace(kArrayKey, ZRMJsonArray()).first->value().get_array();
+    auto& wrappedParameters = array.emplace_back(std::move(parameters)).get_object();
+    const auto data = steps_.compactJson(wrapped);
     if (!data) {
+        zrm_logError(this, steps_.isValidJsonObject(wrappedParameters)
+                               ? data.error().localizedDescription()
+                               : "Invalid JSON object: " + description(wrappedParameters));
         return std::nullopt;
     }
-    const auto payload = steps_.utf8Text(*data);
+    const auto payload = steps_.utf8Text(data.value());
     if (!payload) {
         zrm_logError(this,
                      "Invalid transform binary data to string for json: " + description(wrapped));
@@ -88,14 +88,10 @@ std::optional<ZRMData> ZRMStatisticsBodyMaker::jwsDataWithParameters(
                                "\nAlgorithm: " + ZRMJwsAlgorithmFactory::algorithmNone()->name());
         return std::nullopt;
     }
-    return json(*object);
-}
-
-std::optional<ZRMData> ZRMStatisticsBodyMaker::json(const ZRMDictionary& dictionary) const {
-    auto data = steps_.compactJson(dictionary);
-    if (!data) {
-        zrm_logError(this, data.error().localizedDescription());
+    auto jws = steps_.compactJson(*object);
+    if (!jws) {
+        zrm_logError(this, jws.error().localizedDescription());
         return std::nullopt;
     }
-    return std::move(data).value();
+    return std::move(jws).value();
 }

@@ -33,7 +33,5 @@ class ZRMStatisticsBodyMaker {
     [[nodiscard]] std::optional<ZRMData> jwsDataWithParameters(ZRMDictionary parameters) const;
 
   private:
-    [[nodiscard]] std::optional<ZRMData> json(const ZRMDictionary& dictionary) const;
-
     Steps steps_;
 };

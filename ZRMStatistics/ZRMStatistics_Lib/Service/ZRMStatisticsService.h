@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 
 #include "ZRMStatistics/ZRMStatistics_Lib/Service/ZRMStatisticsEvent.h"
 
@@ -15,10 +16,13 @@ class ZRMStatisticsService {
     virtual void start() = 0;
     // Uploads under way go on, but nothing learns of their end. Stopping twice only logs.
     virtual void stop() = 0;
-    // Builds the upload body on the calling thread, then stores and uploads it in the background.
-    // Priorities are 1 (first) to 3. An event that makes no JSON is dropped with a log line; before
-    // start() it is dropped with a line on the console.
+    // Takes the event's parameters on the calling thread; encodes, stores and uploads them in the
+    // background. Priorities are 1 (first) to 3. An event that makes no JSON is dropped with a log
+    // line; before start() it is dropped with a line on the console.
     virtual void send(const ZRMStatisticsEvent& event, std::int16_t priority) = 0;
+    // The same for an event whose parameters can be had quickly, from any thread: they are taken
+    // in the background too.
+    virtual void send(std::shared_ptr<const ZRMStatisticsEvent> event, std::int16_t priority) = 0;
 
     // How many events are taken over and neither answered nor dropped, what earlier runs left in
     // the store included. Counts an event from before send() returns until its record is deleted,

@@ -18,6 +18,16 @@ std::string contentText(const char* what, const void* identity, std::size_t leng
            std::to_string(length) + " bytes)";
 }
 
+// Parameters of an event that is gone.
+class TakenEvent final : public ZRMStatisticsEvent {
+  public:
+    explicit TakenEvent(ZRMDictionary parameters) : parameters_(std::move(parameters)) {}
+    [[nodiscard]] ZRMDictionary parameters() const override { return parameters_; }
+
+  private:
+    ZRMDictionary parameters_;
+};
+
 }  // namespace
 
 ZRMStatisticsServiceImpl::ZRMStatisticsServiceImpl(
@@ -32,22 +42,26 @@ ZRMStatisticsServiceImpl::ZRMStatisticsServiceImpl(
       serverTimeProvider_(std::move(serverTimeProvider)),
       maxStorageSize_(maxStorageSize),
       bodyMaker_(std::move(bodyMaker)),
-      queue_(platform_->executor, zrm_queueNameForClass("ZRMStatisticsServiceImpl"), 1) {}
+      queue_(std::make_shared<ZRMStatisticsStoreQueue>(
+          platform_->executor, zrm_queueNameForClass("ZRMStatisticsServiceImpl"))) {}
 
 ZRMStatisticsServiceImpl::~ZRMStatisticsServiceImpl() {
     stop();
 }
 
 std::shared_ptr<ZRMStatisticsDataSource> ZRMStatisticsServiceImpl::dataSource() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return dataSource_;
 }
 
 void ZRMStatisticsServiceImpl::start() {
+    const auto pipeline = storage_ ? makePipeline() : nullptr;
     bool wasStarted = false;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         wasStarted = std::exchange(isStarted_, true);
+        // One for all starts, so that events keep their order over a stop between them.
+        pipeline_ = pipeline_ ? pipeline_ : pipeline;
     }
     if (wasStarted) {
         zrm_logVerbose(this, "Service already started");
@@ -62,7 +76,7 @@ void ZRMStatisticsServiceImpl::start() {
         const auto dataSource = ZRMStatisticsDataSource::create(storage_->context());
         dataSource->addObserver(shared_from_this());
         {
-            const std::lock_guard lock(mutex_);
+            const ZRMLockGuard lock(mutex_);
             dataSource_ = dataSource;
         }
         sendAllStatisticsFromStorage(*dataSource);
@@ -73,7 +87,7 @@ void ZRMStatisticsServiceImpl::stop() {
     bool wasStarted = false;
     std::shared_ptr<ZRMStatisticsDataSource> dataSource;
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         wasStarted = std::exchange(isStarted_, false);
         dataSource = std::exchange(dataSource_, nullptr);
     }
@@ -85,40 +99,97 @@ void ZRMStatisticsServiceImpl::stop() {
     }
 }
 
+std::optional<ZRMStatisticsServiceImpl::Entrance> ZRMStatisticsServiceImpl::entrance() const {
+    {
+        const ZRMLockGuard lock(mutex_);
+        if (isStarted_) {
+            return Entrance{pipeline_};
+        }
+    }
+    platform_->consoleLog->write("ZRMStatisticsService not started\n");
+    return std::nullopt;
+}
+
 void ZRMStatisticsServiceImpl::send(const ZRMStatisticsEvent& event, std::int16_t priority) {
-    if (!isStarted()) {
-        platform_->consoleLog->write("ZRMStatisticsService not started\n");
+    const auto way = entrance();
+    if (!way) {
         return;
     }
+    if (way->pipeline) {
+        put(*way->pipeline, std::make_shared<TakenEvent>(event.parameters()), priority);
+    } else {
+        sendWithoutStorage(event);
+    }
+}
+
+void ZRMStatisticsServiceImpl::send(std::shared_ptr<const ZRMStatisticsEvent> event,
+                                    std::int16_t priority) {
+    const auto way = entrance();
+    if (!way) {
+        return;
+    }
+    if (way->pipeline) {
+        put(*way->pipeline, std::move(event), priority);
+    } else {
+        sendWithoutStorage(*event);
+    }
+}
+
+void ZRMStatisticsServiceImpl::put(ZRMStatisticsPipeline& pipeline,
+                                   std::shared_ptr<const ZRMStatisticsEvent> event,
+                                   std::int16_t priority) {
+    ++*unstored_;
+    pipeline.put(std::move(event), priority);
+}
+
+std::shared_ptr<ZRMStatisticsPipeline> ZRMStatisticsServiceImpl::makePipeline() {
+    auto encode = [bodyMaker = bodyMaker_](const ZRMStatisticsEvent& event) {
+        return bodyMaker.bodyWithParameters(event.parameters());
+    };
+    auto store = [weak = weak_from_this(), queue = queue_, context = storage_->context(),
+                  time = serverTimeProvider_, unstored = unstored_](const auto& events) {
+        const auto self = weak.lock();
+        for (const auto& [body, priority] : events) {
+            if (!body) {
+                --*unstored;
+                continue;
+            }
+            zrm_logVerbose(self.get(), [&, &bytes = body] {
+                return contentText("Send", bytes.get(), bytes->size());
+            });
+            if (self) {
+                self->deleteAllStatisticsFromStorageIfNeeded();
+            }
+            const auto operation =
+                std::make_shared<ZRMCreateStatisticOperation>(body, context, time, priority);
+            // When it finishes, the data source counts the record already.
+            operation->addChangeObserver([unstored](const std::string& key, bool isPrior) {
+                if (key == "isFinished" && !isPrior) {
+                    --*unstored;
+                }
+            });
+            queue->add(operation);
+        }
+    };
+    return std::make_shared<ZRMStatisticsPipeline>(
+        platform_->executor->makeSerialQueue(zrm_queueNameForClass("ZRMStatisticsPipeline"),
+                                             ZRMQualityOfService::Default),
+        std::move(encode), std::move(store));
+}
+
+void ZRMStatisticsServiceImpl::sendWithoutStorage(const ZRMStatisticsEvent& event) {
     const auto body = bodyMaker_.bodyWithParameters(event.parameters());
     if (!body) {
         return;
     }
     zrm_logVerbose(this, [&] { return contentText("Send", body.get(), body->size()); });
     ++*unstored_;
-    if (storage_) {
-        store(body, priority);
-    } else {
-        // The sender holds the bytes until their upload has ended.
-        sender_->sendStatisticsData(std::shared_ptr<ZRMStatisticsData>(
-            new ZRMStatisticsDataInMemory(body), [unstored = unstored_](ZRMStatisticsData* data) {
-                delete data;
-                --*unstored;
-            }));
-    }
-}
-
-void ZRMStatisticsServiceImpl::store(const ZRMSharedData& body, std::int16_t priority) {
-    deleteAllStatisticsFromStorageIfNeeded();
-    const auto operation = std::make_shared<ZRMCreateStatisticOperation>(
-        body, storage_->context(), serverTimeProvider_, priority);
-    // When it finishes, the data source counts the record already.
-    operation->addChangeObserver([unstored = unstored_](const std::string& key, bool isPrior) {
-        if (key == "isFinished" && !isPrior) {
+    // The sender holds the bytes until their upload has ended.
+    sender_->sendStatisticsData(std::shared_ptr<ZRMStatisticsData>(
+        new ZRMStatisticsDataInMemory(body), [unstored = unstored_](ZRMStatisticsData* data) {
+            delete data;
             --*unstored;
-        }
-    });
-    addStoreOperation(operation);
+        }));
 }
 
 std::size_t ZRMStatisticsServiceImpl::pendingEventCount() const {
@@ -135,7 +206,7 @@ std::size_t ZRMStatisticsServiceImpl::unstoredEventCount() const {
 }
 
 bool ZRMStatisticsServiceImpl::isStarted() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return isStarted_;
 }
 
@@ -150,10 +221,10 @@ void ZRMStatisticsServiceImpl::deleteAllStatisticsFromStorageIfNeeded() {
     }
     zrm_logError(this, "Storage is full, deleting all statistics");
     for (const auto& statistic : source->fetchedStatisticsToSend()) {
-        addStoreOperation(
+        queue_->add(
             std::make_shared<ZRMDeleteStatisticOperation>(statistic.jws, storage_->context()));
     }
-    addBlock([weak = weak_from_this()] {
+    queue_->addBlock([weak = weak_from_this()] {
         if (const auto self = weak.lock()) {
             self->isDeletingAll_ = false;
         }
@@ -176,7 +247,7 @@ void ZRMStatisticsServiceImpl::sendAllStatisticsFromStorage(
 
 void ZRMStatisticsServiceImpl::deleteOldStatistics(const std::vector<Data>& statistics) {
     for (const auto& data : statistics) {
-        addStoreOperation(std::make_shared<ZRMDeleteStatisticOperation>(data, storage_->context()));
+        queue_->add(std::make_shared<ZRMDeleteStatisticOperation>(data, storage_->context()));
     }
 }
 
@@ -184,14 +255,14 @@ void ZRMStatisticsServiceImpl::dataSourceDidInsertStatisticsData(
     ZRMStatisticsDataSource& dataSource, const Data& data) {
     zrm_logVerbose(this, [&] { return contentText("Did save", data->identity(), data->length()); });
     {
-        const std::lock_guard lock(insertionsMutex_);
+        const ZRMLockGuard lock(insertionsMutex_);
         insertions_.push_back({&dataSource, data});
         if (insertions_.size() > 1) {
             return;
         }
     }
     // One block for all that is inserted until it runs.
-    addBlock([weak = weak_from_this()] {
+    queue_->addBlock([weak = weak_from_this()] {
         if (const auto self = weak.lock()) {
             self->sendInsertedStatistics();
         }
@@ -201,7 +272,7 @@ void ZRMStatisticsServiceImpl::dataSourceDidInsertStatisticsData(
 void ZRMStatisticsServiceImpl::sendInsertedStatistics() {
     std::vector<Insertion> insertions;
     {
-        const std::lock_guard lock(insertionsMutex_);
+        const ZRMLockGuard lock(insertionsMutex_);
         insertions.swap(insertions_);
     }
     const auto current = dataSource();
@@ -223,7 +294,7 @@ void ZRMStatisticsServiceImpl::statisticsSenderDidSendData(ZRMStatisticsSender& 
                                                            const Data& data) {
     zrm_logVerbose(this, [&] { return contentText("Did send", data->identity(), data->length()); });
     if (storage_) {
-        addStoreOperation(std::make_shared<ZRMDeleteStatisticOperation>(data, storage_->context()));
+        queue_->add(std::make_shared<ZRMDeleteStatisticOperation>(data, storage_->context()));
     }
 }
 
@@ -233,24 +304,7 @@ void ZRMStatisticsServiceImpl::statisticsSenderDidFailToSendData(ZRMStatisticsSe
     zrm_logError(this, "Did fail to send event with content: " + zrm_addressText(data->identity()) +
                            " error: " + error.localizedDescription());
     if (storage_) {
-        addStoreOperation(std::make_shared<ZRMUpdateStatisticOperation>(data, storage_->context(),
-                                                                        serverTimeProvider_));
+        queue_->add(std::make_shared<ZRMUpdateStatisticOperation>(data, storage_->context(),
+                                                                  serverTimeProvider_));
     }
-}
-
-void ZRMStatisticsServiceImpl::addStoreOperation(
-    const std::shared_ptr<ZRMStatisticBaseOperation>& operation) {
-    const std::lock_guard lock(groupMutex_);
-    if (!group_ || !group_->join(operation)) {
-        group_ = std::make_shared<ZRMStatisticsSaveGroup>();
-        static_cast<void>(group_->join(operation));
-    }
-    queue_.addOperation(operation);
-}
-
-// A block between two store operations keeps them from sharing a save, and the queue's order.
-void ZRMStatisticsServiceImpl::addBlock(std::function<void()> block) {
-    const std::lock_guard lock(groupMutex_);
-    group_.reset();
-    queue_.addOperationWithBlock(std::move(block));
 }

@@ -5,21 +5,23 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
+#include <optional>
 #include <vector>
 
-#include "ZRMCoreKit/ZRMCoreKit_Lib/Operations/ZRMOperationQueue.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/ServerTime/ZRMServerTimeProvider.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 #include "ZRMStatistics/ZRMStatistics_Lib/DataSource/ZRMStatisticsDataSource.h"
-#include "ZRMStatistics/ZRMStatistics_Lib/Operations/ZRMStatisticsSaveGroup.h"
 #include "ZRMStatistics/ZRMStatistics_Lib/Sender/ZRMStatisticsSender.h"
 #include "ZRMStatistics/ZRMStatistics_Lib/Service/ZRMStatisticsBodyMaker.h"
 #include "ZRMStatistics/ZRMStatistics_Lib/Service/ZRMStatisticsOverflow.h"
+#include "ZRMStatistics/ZRMStatistics_Lib/Service/ZRMStatisticsPipeline.h"
 #include "ZRMStatistics/ZRMStatistics_Lib/Service/ZRMStatisticsService.h"
+#include "ZRMStatistics/ZRMStatistics_Lib/Service/ZRMStatisticsStoreQueue.h"
 #include "ZRMStatistics/ZRMStatistics_Lib/Storage/ZRMStatisticsStorage.h"
 
-// Owned by shared_ptr. Without a storage every event goes straight to the sender.
+// Owned by shared_ptr. Events that were taken are stored even when the service is stopped or
+// dropped before. Without a storage every event goes straight to the sender.
 class ZRMStatisticsServiceImpl final
     : public ZRMStatisticsService,
       public ZRMStatisticsDataSourceObserver,
@@ -41,12 +43,13 @@ class ZRMStatisticsServiceImpl final
     void start() override;
     void stop() override;
     void send(const ZRMStatisticsEvent& event, std::int16_t priority) override;
+    void send(std::shared_ptr<const ZRMStatisticsEvent> event, std::int16_t priority) override;
     [[nodiscard]] std::size_t pendingEventCount() const override;
     [[nodiscard]] std::size_t unstoredEventCount() const override;
 
     // Null while stopped, and without a storage.
     [[nodiscard]] std::shared_ptr<ZRMStatisticsDataSource> dataSource() const;
-    [[nodiscard]] ZRMOperationQueue& queue() { return queue_; }
+    [[nodiscard]] ZRMOperationQueue& queue() { return queue_->operations(); }
     [[nodiscard]] std::int64_t maxStorageSize() const { return maxStorageSize_; }
 
   private:
@@ -62,13 +65,18 @@ class ZRMStatisticsServiceImpl final
                                            const ZRMError& error) override;
 
     void sendAllStatisticsFromStorage(const ZRMStatisticsDataSource& dataSource);
-    void store(const ZRMSharedData& body, std::int16_t priority);
+    [[nodiscard]] std::shared_ptr<ZRMStatisticsPipeline> makePipeline();
+    // Absent, with a line on the console, while stopped.
+    struct Entrance {
+        std::shared_ptr<ZRMStatisticsPipeline> pipeline;  // null without a storage
+    };
+    [[nodiscard]] std::optional<Entrance> entrance() const;
+    void put(ZRMStatisticsPipeline& pipeline, std::shared_ptr<const ZRMStatisticsEvent> event,
+             std::int16_t priority);
+    void sendWithoutStorage(const ZRMStatisticsEvent& event);
     void deleteOldStatistics(const std::vector<Data>& statistics);
     void deleteAllStatisticsFromStorageIfNeeded();
     void sendInsertedStatistics();
-
-    void addStoreOperation(const std::shared_ptr<ZRMStatisticBaseOperation>& operation);
-    void addBlock(std::function<void()> block);
 
     const std::shared_ptr<const ZRMPlatform> platform_;
     const std::shared_ptr<ZRMStatisticsStorage> storage_;
@@ -76,23 +84,23 @@ class ZRMStatisticsServiceImpl final
     const std::shared_ptr<ZRMServerTimeProvider> serverTimeProvider_;
     const std::int64_t maxStorageSize_;
     const ZRMStatisticsBodyMaker bodyMaker_;
-    ZRMOperationQueue queue_;
+    const std::shared_ptr<ZRMStatisticsStoreQueue> queue_;
     std::atomic<bool> isDeletingAll_{false};
     // Events that no record stands for: on their way into the store, or uploaded without one.
     const std::shared_ptr<std::atomic<std::int64_t>> unstored_ =
         std::make_shared<std::atomic<std::int64_t>>(0);
 
-    mutable std::mutex mutex_;  // guards these two; nothing is called with it held
-    bool isStarted_ = false;
-    std::shared_ptr<ZRMStatisticsDataSource> dataSource_;
+    mutable ZRMMutex mutex_;  // nothing is called with it held
+    bool isStarted_ ZRM_GUARDED_BY(mutex_) = false;
+    std::shared_ptr<ZRMStatisticsDataSource> dataSource_ ZRM_GUARDED_BY(mutex_);
+    // From the first start on, where there is a storage.
+    std::shared_ptr<ZRMStatisticsPipeline> pipeline_ ZRM_GUARDED_BY(mutex_);
 
     struct Insertion {
         const ZRMStatisticsDataSource* reporter;
         Data data;
     };
-    std::mutex insertionsMutex_;
-    std::vector<Insertion> insertions_;  // for which a block is on the queue
-
-    std::mutex groupMutex_;                          // held while an operation enters the queue
-    std::shared_ptr<ZRMStatisticsSaveGroup> group_;  // that the next store operation may join
+    ZRMMutex insertionsMutex_;
+    // For which a block is on the queue.
+    std::vector<Insertion> insertions_ ZRM_GUARDED_BY(insertionsMutex_);
 };

@@ -42,7 +42,7 @@ ZRMStatisticsContext::ZRMStatisticsContext(
       table_(coordinator_->database()) {}
 
 void ZRMStatisticsContext::performBlockAndWait(const std::function<void()>& block) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     block();
 }
 
@@ -56,30 +56,26 @@ void ZRMStatisticsContext::removeObserver(const ZRMStatisticsContextObserver* ob
 }
 
 // Damage is noted for the next opening, which can do something about it.
-template <class Work>
-auto ZRMStatisticsContext::guarded(Work work) -> ZRMResult<decltype(work())> {
-    try {
-        return work();
-    } catch (const SQLite::Exception& exception) {
-        auto error = zrm_errorFromSqlite(exception);
-        if (zrm_isStoreDamage(error)) {
-            zrm_markStoreDamaged(*platform_->fileManager, coordinator_->storePath());
-        }
-        return error;
+ZRMError ZRMStatisticsContext::failure(const SQLite::Exception& exception) const {
+    auto error = zrm_errorFromSqlite(exception);
+    if (zrm_isStoreDamage(error)) {
+        zrm_markStoreDamaged(*platform_->fileManager, coordinator_->storePath());
     }
+    return error;
 }
 
 void ZRMStatisticsContext::beginChanges() {
     if (!isChanging_) {
-        coordinator_->database().exec("BEGIN IMMEDIATE");
+        table_.beginTransaction();
         isChanging_ = true;
     }
 }
 
 ZRMResult<ZRMStatisticEntity> ZRMStatisticsContext::insertObject(
     const ZRMStatisticEntity& statistic) {
-    return guarded([&] {
-        const auto bytes = statistic.jws->bytes();
+    const auto bytes = statistic.jws->bytes();
+    const ZRMLockGuard lock(mutex_);
+    try {
         beginChanges();
         const auto record = table_.insert(rowOf(statistic), *bytes);
         const auto data = std::make_shared<ZRMStoredStatisticsData>(
@@ -91,35 +87,42 @@ ZRMResult<ZRMStatisticEntity> ZRMStatisticsContext::insertObject(
         stored.objectIdentifier = record;
         stored.jws = data;
         return stored;
-    });
+    } catch (const SQLite::Exception& exception) {
+        return failure(exception);
+    }
 }
 
 std::optional<ZRMError> ZRMStatisticsContext::updateObject(const ZRMStatisticEntity& statistic) {
-    const auto updated = guarded([&] {
+    const ZRMLockGuard lock(mutex_);
+    try {
         beginChanges();
         table_.update(rowOf(statistic));
         changes_.push_back({ZRMStatisticsChangeKind::Update, statistic.jws});
-        return true;
-    });
-    return updated ? std::nullopt : std::optional(updated.error());
+        return std::nullopt;
+    } catch (const SQLite::Exception& exception) {
+        return failure(exception);
+    }
 }
 
 std::optional<ZRMError> ZRMStatisticsContext::deleteObject(const ZRMStatisticEntity& statistic) {
-    const auto deleted = guarded([&] {
+    const ZRMLockGuard lock(mutex_);
+    try {
         beginChanges();
         if (const auto data = dataSource_->registry.find(statistic.objectIdentifier)) {
             data->keep(data->bytes());
         }
         table_.remove(statistic.objectIdentifier);
         changes_.push_back({ZRMStatisticsChangeKind::Delete, statistic.jws});
-        return true;
-    });
-    return deleted ? std::nullopt : std::optional(deleted.error());
+        return std::nullopt;
+    } catch (const SQLite::Exception& exception) {
+        return failure(exception);
+    }
 }
 
 ZRMResult<std::vector<ZRMStatisticEntity>> ZRMStatisticsContext::executeFetchRequest(
     const ZRMStatisticFetchRequest& request) {
-    return guarded([&] {
+    const ZRMLockGuard lock(mutex_);
+    try {
         const auto rows = request.jws ? table_.withBytes(*request.jws, request.fetchLimit)
                                       : table_.all(request.fetchLimit);
         dataSource_->registry.reserve(rows.size());
@@ -129,24 +132,31 @@ ZRMResult<std::vector<ZRMStatisticEntity>> ZRMStatisticsContext::executeFetchReq
             statistics.push_back(entityOf(row));
         }
         return statistics;
-    });
+    } catch (const SQLite::Exception& exception) {
+        return failure(exception);
+    }
 }
 
 ZRMResult<ZRMStatisticsTable::Totals> ZRMStatisticsContext::totals() {
-    return guarded([this] { return table_.totals(); });
+    const ZRMLockGuard lock(mutex_);
+    try {
+        return table_.totals();
+    } catch (const SQLite::Exception& exception) {
+        return failure(exception);
+    }
 }
 
 std::optional<ZRMError> ZRMStatisticsContext::save() {
+    const ZRMLockGuard lock(mutex_);
     if (!isChanging_) {
         return std::nullopt;
     }
-    const auto committed = guarded([this] {
-        coordinator_->database().exec("COMMIT");
-        return true;
-    });
-    if (!committed) {
+    try {
+        table_.commitTransaction();
+    } catch (const SQLite::Exception& exception) {
+        auto error = failure(exception);
         rollback();
-        return committed.error();
+        return error;
     }
     isChanging_ = false;
     const auto saved = std::exchange(changes_, {});
@@ -159,6 +169,7 @@ std::optional<ZRMError> ZRMStatisticsContext::save() {
 }
 
 void ZRMStatisticsContext::rollback() {
+    const ZRMLockGuard lock(mutex_);
     changes_.clear();
     if (std::exchange(isChanging_, false)) {
         // Some failures end the transaction by themselves; then there is nothing left to undo.
@@ -179,12 +190,14 @@ void ZRMStatisticsContext::keepInMemoryForAWhile(
 }
 
 ZRMSharedData ZRMStatisticsContext::readBytes(std::int64_t record) {
-    const std::lock_guard lock(mutex_);
-    auto bytes = guarded([&] { return table_.bytes(record); });
-    if (!bytes || !bytes.value()) {
+    const ZRMLockGuard lock(mutex_);
+    try {
+        auto bytes = table_.bytes(record);
+        return bytes ? std::make_shared<const ZRMData>(*std::move(bytes)) : nullptr;
+    } catch (const SQLite::Exception& exception) {
+        static_cast<void>(failure(exception));
         return nullptr;
     }
-    return std::make_shared<const ZRMData>(*std::move(bytes).value());
 }
 
 std::shared_ptr<ZRMStatisticsData> ZRMStatisticsContext::dataOf(

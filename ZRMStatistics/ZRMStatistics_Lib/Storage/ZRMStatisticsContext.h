@@ -4,11 +4,11 @@
 #include <deque>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <vector>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Observers/ZRMObserversCollection.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 #include "ZRMStatistics/ZRMStatistics_Lib/Storage/ZRMPersistentStoreCoordinator.h"
 #include "ZRMStatistics/ZRMStatistics_Lib/Storage/ZRMStatisticEntity.h"
@@ -66,10 +66,10 @@ class ZRMStatisticsContext final : public std::enable_shared_from_this<ZRMStatis
     ZRMStatisticsContext(std::shared_ptr<const ZRMPlatform> platform,
                          std::shared_ptr<ZRMPersistentStoreCoordinator> coordinator);
 
-    template <class Work>
-    auto guarded(Work work) -> ZRMResult<decltype(work())>;
-    void beginChanges();
-    void keepInMemoryForAWhile(const std::shared_ptr<ZRMStatisticsData>& inserted);
+    ZRMError failure(const SQLite::Exception& exception) const;
+    void beginChanges() ZRM_REQUIRES(mutex_);
+    void keepInMemoryForAWhile(const std::shared_ptr<ZRMStatisticsData>& inserted)
+        ZRM_REQUIRES(mutex_);
     ZRMSharedData readBytes(std::int64_t record);
     std::shared_ptr<ZRMStatisticsData> dataOf(const ZRMStatisticsTable::Row& row);
     ZRMStatisticEntity entityOf(const ZRMStatisticsTable::Row& row);
@@ -78,9 +78,10 @@ class ZRMStatisticsContext final : public std::enable_shared_from_this<ZRMStatis
     std::shared_ptr<ZRMPersistentStoreCoordinator> coordinator_;
     ZRMObserversCollection<ZRMStatisticsContextObserver> observers_;
     std::shared_ptr<ZRMStoredStatisticsData::Source> dataSource_;
-    std::recursive_mutex mutex_;  // guards what follows
-    ZRMStatisticsTable table_;
-    bool isChanging_ = false;
-    std::vector<ZRMStatisticsChange> changes_;
-    std::deque<std::weak_ptr<ZRMStatisticsData>> recentlyInserted_;
+
+    ZRMRecursiveMutex mutex_;  // held while a block runs
+    ZRMStatisticsTable table_ ZRM_GUARDED_BY(mutex_);
+    bool isChanging_ ZRM_GUARDED_BY(mutex_) = false;
+    std::vector<ZRMStatisticsChange> changes_ ZRM_GUARDED_BY(mutex_);
+    std::deque<std::weak_ptr<ZRMStatisticsData>> recentlyInserted_ ZRM_GUARDED_BY(mutex_);
 };

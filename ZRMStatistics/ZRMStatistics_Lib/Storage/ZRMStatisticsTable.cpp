@@ -60,6 +60,8 @@ const char* const ZRMStatisticsTable::kSelectTotals =
 
 ZRMStatisticsTable::ZRMStatisticsTable(SQLite::Database& database)
     : database_(database),
+      begin_(database, "BEGIN IMMEDIATE"),
+      commit_(database, "COMMIT"),
       insert_(database,
               "INSERT INTO ZRMStatisticEntity (storeTimestamp, lastTryTimestamp, activeDays, "
               "priority, jwsLength, jws) VALUES (?1, ?2, ?3, ?4, length(?5), ?5)"),
@@ -80,6 +82,16 @@ ZRMStatisticsTable::Row ZRMStatisticsTable::rowAt(SQLite::Statement& statement) 
             integer16(statement.getColumn(3).getInt64()),
             integer16(statement.getColumn(4).getInt64()),
             static_cast<std::size_t>(length)};
+}
+
+void ZRMStatisticsTable::beginTransaction() {
+    const StatementUse use(begin_);
+    begin_.exec();
+}
+
+void ZRMStatisticsTable::commitTransaction() {
+    const StatementUse use(commit_);
+    commit_.exec();
 }
 
 std::int64_t ZRMStatisticsTable::insert(const Row& row, const ZRMData& jws) {

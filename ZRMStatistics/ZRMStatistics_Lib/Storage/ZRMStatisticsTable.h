@@ -34,6 +34,10 @@ class ZRMStatisticsTable {
     // The table must be there; the database outlives this.
     explicit ZRMStatisticsTable(SQLite::Database& database);
 
+    // What follows is one change of the store, until the commit has put it on stable storage.
+    void beginTransaction();
+    void commitTransaction();
+
     // Returns the new record's number; the row's own number and length do not count.
     std::int64_t insert(const Row& row, const ZRMData& jws);
     // Everything but the bytes.
@@ -53,6 +57,8 @@ class ZRMStatisticsTable {
 
   private:
     SQLite::Database& database_;
+    SQLite::Statement begin_;
+    SQLite::Statement commit_;
     SQLite::Statement insert_;
     SQLite::Statement update_;
     SQLite::Statement remove_;

@@ -2,20 +2,20 @@
 
 std::shared_ptr<ZRMStoredStatisticsData> ZRMStoredStatisticsDataRegistry::find(
     std::int64_t record) const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     const auto found = known_.find(record);
     return found == known_.end() ? nullptr : found->second.lock();
 }
 
 void ZRMStoredStatisticsDataRegistry::add(const std::shared_ptr<ZRMStoredStatisticsData>& data) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     known_.insert_or_assign(data->record(), data);
 }
 
 void ZRMStoredStatisticsDataRegistry::remove(const ZRMStoredStatisticsData& data) {
     // Released after the lock: the last reference may be this one, and its end comes back here.
     std::shared_ptr<ZRMStoredStatisticsData> known;
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     const auto found = known_.find(data.record());
     if (found == known_.end()) {
         return;
@@ -27,7 +27,7 @@ void ZRMStoredStatisticsDataRegistry::remove(const ZRMStoredStatisticsData& data
 }
 
 void ZRMStoredStatisticsDataRegistry::reserve(std::size_t count) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     known_.reserve(count);
 }
 
@@ -44,7 +44,7 @@ ZRMStoredStatisticsData::~ZRMStoredStatisticsData() {
 }
 
 ZRMSharedData ZRMStoredStatisticsData::heldBytes() const {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     return bytes_;
 }
 
@@ -58,14 +58,14 @@ ZRMSharedData ZRMStoredStatisticsData::bytes() const {
 }
 
 void ZRMStoredStatisticsData::turnIntoFault() {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     if (!isKept_) {
         bytes_.reset();
     }
 }
 
 void ZRMStoredStatisticsData::keep(ZRMSharedData bytes) {
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     isKept_ = true;
     bytes_ = std::move(bytes);
 }

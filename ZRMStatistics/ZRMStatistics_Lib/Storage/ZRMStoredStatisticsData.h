@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <unordered_map>
 
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 #include "ZRMStatistics/ZRMStatistics_Lib/Storage/ZRMStatisticsData.h"
 
 class ZRMStoredStatisticsData;
@@ -22,8 +22,9 @@ class ZRMStoredStatisticsDataRegistry {
     void reserve(std::size_t count);
 
   private:
-    mutable std::mutex mutex_;
-    std::unordered_map<std::int64_t, std::weak_ptr<ZRMStoredStatisticsData>> known_;
+    mutable ZRMMutex mutex_;
+    std::unordered_map<std::int64_t, std::weak_ptr<ZRMStoredStatisticsData>> known_
+        ZRM_GUARDED_BY(mutex_);
 };
 
 class ZRMStoredStatisticsData final : public ZRMStatisticsData {
@@ -52,7 +53,7 @@ class ZRMStoredStatisticsData final : public ZRMStatisticsData {
 
     std::shared_ptr<Source> source_;
     std::int64_t record_;
-    mutable std::mutex mutex_;
-    ZRMSharedData bytes_;
-    bool isKept_ = false;
+    mutable ZRMMutex mutex_;
+    ZRMSharedData bytes_ ZRM_GUARDED_BY(mutex_);
+    bool isKept_ ZRM_GUARDED_BY(mutex_) = false;
 };

@@ -9,7 +9,6 @@
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 class ZRMStatisticsSaveGroupTest : public ZRMStatisticsDeviceTest {
   protected:
@@ -22,6 +21,12 @@ class ZRMStatisticsSaveGroupTest : public ZRMStatisticsDeviceTest {
     Operation deletion(std::string_view bytes) {
         return std::make_shared<ZRMDeleteStatisticOperation>(
             std::make_shared<ZRMStatisticsDataInMemory>(zrm_sharedData(bytes)), context_);
+    }
+    std::vector<Operation> joined(std::vector<Operation> operations) {
+        for (const auto& operation : operations) {
+            EXPECT_TRUE(group_->join(operation));
+        }
+        return operations;
     }
     std::uint64_t synchronizations(const std::function<void()>& work) {
         std::uint64_t count = 0;
@@ -40,60 +45,54 @@ class ZRMStatisticsSaveGroupTest : public ZRMStatisticsDeviceTest {
 
 }  // namespace
 
-TEST_F(ZRMStatisticsSaveGroupTest, FirstOperationSavesForAllAndEachFinishesInItsTurn) {
+TEST_F(ZRMStatisticsSaveGroupTest, OneSaveServesAllAndEachHasFinished) {
     insert(*context_, "before", 1);
-    const std::vector<Operation> operations = {creation("a"), creation("b"), creation("c")};
-    for (const auto& operation : operations) {
-        ASSERT_TRUE(group_->join(operation));
-    }
+    const auto operations = joined({creation("a"), creation("b"), creation("c")});
     const auto alone = synchronizations([&] { insert(*context_, "alone", 2); });
-    const auto together = synchronizations([&] { operations[0]->start(); });
-    EXPECT_EQ(together, alone);
-    EXPECT_TRUE(operations[0]->isFinished());
-    EXPECT_FALSE(operations[1]->isFinished());
-    EXPECT_EQ(synchronizations([&] {
-                  operations[1]->start();
-                  operations[2]->start();
-              }),
-              0U);
-    EXPECT_TRUE(operations[2]->isFinished());
+    EXPECT_EQ(synchronizations([&] { group_->run(); }), alone);
+    for (const auto& operation : operations) {
+        EXPECT_TRUE(operation->isFinished());
+        EXPECT_EQ(operation->error(), std::nullopt);
+    }
     EXPECT_EQ(contents(*context_).size(), 5U);
 }
 
+TEST_F(ZRMStatisticsSaveGroupTest, NoOperationFinishesBeforeTheSave) {
+    const auto operations = joined({creation("a"), creation("b")});
+    std::size_t storedAtFinish = 0;
+    operations[0]->addChangeObserver([&](const std::string& key, bool isPrior) {
+        if (key == "isFinished" && !isPrior) {
+            storedAtFinish = contents(*openContext()).size();
+        }
+    });
+    group_->run();
+    EXPECT_EQ(storedAtFinish, 2U);
+}
+
 TEST_F(ZRMStatisticsSaveGroupTest, ChangesKeepTheirOrder) {
-    const std::vector<Operation> operations = {creation("a"), deletion("a"), creation("b"),
-                                               deletion("c")};
-    for (const auto& operation : operations) {
-        ASSERT_TRUE(group_->join(operation));
-    }
-    for (const auto& operation : operations) {
-        operation->start();
-    }
+    joined({creation("a"), deletion("a"), creation("b"), deletion("c")});
+    group_->run();
     EXPECT_THAT(contents(*context_), ElementsAre("b"));
     EXPECT_THAT(errors(), ElementsAre("No statistic found for jwsData: c"));
 }
 
-TEST_F(ZRMStatisticsSaveGroupTest, EachLogsInItsOwnTurn) {
-    const std::vector<Operation> operations = {deletion("a"), deletion("b")};
-    for (const auto& operation : operations) {
-        ASSERT_TRUE(group_->join(operation));
-    }
-    operations[0]->start();
-    EXPECT_THAT(errors(), ElementsAre("No statistic found for jwsData: a"));
-    operations[1]->start();
-    EXPECT_EQ(errors().size(), 2U);
+TEST_F(ZRMStatisticsSaveGroupTest, LogLinesKeepTheOrderOfTheOperations) {
+    joined({deletion("a"), deletion("b")});
+    group_->run();
+    EXPECT_THAT(errors(), ElementsAre("No statistic found for jwsData: a",
+                                      "No statistic found for jwsData: b"));
 }
 
 TEST_F(ZRMStatisticsSaveGroupTest, WhenTheSaveFailsEachOperationWorksForItself) {
-    const std::vector<Operation> operations = {creation("a"), creation("b")};
-    for (const auto& operation : operations) {
-        ASSERT_TRUE(group_->join(operation));
-    }
+    const auto operations = joined({creation("a"), creation("b")});
     // The shared save and the first operation's own one.
     device_.disk().faults().add({ZRMSimulatedDiskOperation::Write, "*-wal"});
-    operations[0]->start();
-    device_.disk().faults().clear();
-    operations[1]->start();
+    operations[0]->addChangeObserver([&](const std::string& key, bool isPrior) {
+        if (key == "isFinished" && !isPrior) {
+            device_.disk().faults().clear();
+        }
+    });
+    group_->run();
     EXPECT_TRUE(operations[0]->error().has_value());
     EXPECT_EQ(operations[1]->error(), std::nullopt);
     EXPECT_EQ(errors().size(), 1U);
@@ -101,42 +100,40 @@ TEST_F(ZRMStatisticsSaveGroupTest, WhenTheSaveFailsEachOperationWorksForItself) 
 }
 
 TEST_F(ZRMStatisticsSaveGroupTest, WhenAChangeFailsNothingOfTheGroupIsChanged) {
-    const std::vector<Operation> operations = {creation("a"), creation("b")};
-    for (const auto& operation : operations) {
-        ASSERT_TRUE(group_->join(operation));
-    }
+    const auto operations = joined({creation("a"), creation("b")});
     openDatabase().exec("DROP TABLE ZRMStatisticEntity");
-    operations[0]->start();
-    operations[1]->start();
+    group_->run();
     EXPECT_TRUE(operations[0]->error().has_value());
     EXPECT_TRUE(operations[1]->error().has_value());
     EXPECT_EQ(errors().size(), 2U);
 }
 
-TEST_F(ZRMStatisticsSaveGroupTest, CancelledOperationIsLeftOut) {
-    const std::vector<Operation> operations = {creation("a"), creation("b"), creation("c")};
-    for (const auto& operation : operations) {
-        ASSERT_TRUE(group_->join(operation));
-    }
+TEST_F(ZRMStatisticsSaveGroupTest, CancelledOperationIsLeftOutAndFinishes) {
+    const auto operations = joined({creation("a"), creation("b"), creation("c")});
     operations[1]->cancel();
-    for (const auto& operation : operations) {
-        operation->start();
-    }
+    group_->run();
     EXPECT_THAT(contents(*context_), ElementsAre("a", "c"));
+    EXPECT_TRUE(operations[1]->isFinished());
+}
+
+TEST_F(ZRMStatisticsSaveGroupTest, OneThatIsAloneSavesForItself) {
+    const auto operations = joined({creation("a")});
+    group_->run();
+    EXPECT_TRUE(operations[0]->isFinished());
+    EXPECT_THAT(contents(*context_), ElementsAre("a"));
 }
 
 TEST_F(ZRMStatisticsSaveGroupTest, NobodyJoinsAGroupThatHasRun) {
-    const auto operation = creation("a");
-    ASSERT_TRUE(group_->join(operation));
-    operation->start();
+    joined({creation("a")});
+    group_->run();
     EXPECT_FALSE(group_->join(creation("b")));
+    group_->run();
+    EXPECT_THAT(contents(*context_), ElementsAre("a"));
 }
 
 TEST_F(ZRMStatisticsSaveGroupTest, GroupHasARoomLimit) {
-    std::vector<Operation> operations;
     for (std::size_t count = 0; count < ZRMStatisticsSaveGroup::kMaxOperations; ++count) {
-        operations.push_back(creation(std::to_string(count)));
-        ASSERT_TRUE(group_->join(operations.back()));
+        joined({creation(std::to_string(count))});
     }
     EXPECT_FALSE(group_->join(creation("one too many")));
 }

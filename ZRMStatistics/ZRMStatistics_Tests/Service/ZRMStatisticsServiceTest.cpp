@@ -1,4 +1,5 @@
 #include <limits>
+#include <span>
 
 #include <gmock/gmock.h>
 
@@ -343,6 +344,155 @@ TEST_F(ZRMStatisticsServiceTest, EventsSentInOneGoShareASave) {
         expected.push_back(std::to_string(number));
     }
     EXPECT_EQ(sender_->names(), expected);
+}
+
+TEST_F(ZRMStatisticsServiceTest, ReporterEncodesNothingUntilManyEventsWait) {
+    int encoded = 0;
+    storage_ = openStorage();
+    auto steps = ZRMStatisticsBodyMaker::Steps::standard();
+    steps.gzip = [&encoded, gzip = steps.gzip](std::span<const std::uint8_t> data) {
+        ++encoded;
+        return gzip(data);
+    };
+    service_ = std::make_shared<ZRMStatisticsServiceImpl>(device_.platform(), storage_, sender_,
+                                                          time_, kZRMStatisticsMaxStorageSize,
+                                                          ZRMStatisticsBodyMaker(steps));
+    service_->start();
+    for (std::size_t number = 0; number < ZRMStatisticsPipeline::kMaxWaiting; ++number) {
+        send(std::to_string(number));
+    }
+    EXPECT_EQ(encoded, 0);
+    send("one more");
+    EXPECT_EQ(encoded, 1);
+    device_.runUntilIdle();
+    EXPECT_EQ(storedCount(), ZRMStatisticsPipeline::kMaxWaiting + 1);
+    EXPECT_EQ(sender_->names().back(), "one more");
+}
+
+TEST_F(ZRMStatisticsServiceTest, ParametersAreThoseOfTheCallUnlessTheEventIsHandedOver) {
+    class ChangingEvent final : public ZRMStatisticsEvent {
+      public:
+        [[nodiscard]] ZRMDictionary parameters() const override {
+            return {{"TEST", {{"name", name}}}};
+        }
+        std::string name = "at the call";
+    };
+    start();
+    const auto event = std::make_shared<ChangingEvent>();
+    service_->send(*event, 1);
+    service_->send(event, 1);
+    event->name = "later";
+    device_.runUntilIdle();
+    EXPECT_THAT(sender_->names(), ElementsAre("at the call", "later"));
+}
+
+TEST_F(ZRMStatisticsServiceTest, EventHandedOverIsLetGoOnceItIsEncoded) {
+    start();
+    auto event = std::make_shared<const ZRMTestEvent>("event");
+    const std::weak_ptr weak = event;
+    service_->send(std::move(event), 1);
+    EXPECT_FALSE(weak.expired());
+    device_.runUntilIdle();
+    EXPECT_TRUE(weak.expired());
+    EXPECT_THAT(sender_->names(), ElementsAre("event"));
+}
+
+TEST_F(ZRMStatisticsServiceTest, EventHandedOverBeforeStartIsDroppedWithAConsoleLine) {
+    makeService();
+    service_->send(std::make_shared<const ZRMTestEvent>("event"), 1);
+    EXPECT_EQ(device_.console().text(), "ZRMStatisticsService not started\n");
+    makeServiceWithoutStorage();
+    service_->start();
+    service_->send(std::make_shared<const ZRMTestEvent>("event"), 1);
+    EXPECT_THAT(sender_->names(), ElementsAre("event"));
+}
+
+TEST_F(ZRMStatisticsServiceTest, EventsAreStoredInTheOrderOfTheirReportsHoweverManyWait) {
+    start();
+    std::vector<std::string> expected;
+    for (int number = 0; number < 300; ++number) {
+        expected.push_back(std::to_string(number));
+        send(expected.back());
+    }
+    device_.runUntilIdle();
+    EXPECT_EQ(sender_->names(), expected);
+    EXPECT_EQ(storedCount(), expected.size());
+}
+
+TEST_F(ZRMStatisticsServiceTest, EventThatCannotBeEncodedIsDroppedFromTheMiddle) {
+    start();
+    send("before");
+    service_->send(ZRMTestEvent(ZRMDictionary{{"x", std::numeric_limits<double>::quiet_NaN()}}), 1);
+    send("after");
+    EXPECT_EQ(service_->unstoredEventCount(), 3U);
+    device_.runUntilIdle();
+    EXPECT_THAT(sender_->names(), ElementsAre("before", "after"));
+    EXPECT_EQ(service_->unstoredEventCount(), 0U);
+    EXPECT_EQ(service_->pendingEventCount(), 2U);
+}
+
+TEST_F(ZRMStatisticsServiceTest, EventsTakenBeforeAStopAreStoredAndNotSent) {
+    start();
+    send("one");
+    send("two");
+    service_->stop();
+    device_.runUntilIdle();
+    EXPECT_EQ(storedCount(), 2U);
+    EXPECT_THAT(sender_->sent(), IsEmpty());
+}
+
+TEST_F(ZRMStatisticsServiceTest, EventsTakenBeforeTheServiceWasDroppedAreStored) {
+    start();
+    for (int number = 0; number < 100; ++number) {
+        send(std::to_string(number));
+    }
+    service_.reset();
+    device_.runUntilIdle();
+    EXPECT_EQ(storedCount(), 100U);
+    EXPECT_THAT(sender_->sent(), IsEmpty());
+}
+
+TEST_F(ZRMStatisticsServiceTest, ServiceMayBeDroppedWhileItsEventsAreStored) {
+    start();
+    for (int number = 0; number < 100; ++number) {
+        send(std::to_string(number));
+    }
+    while (storedCount() == 0) {
+        ASSERT_TRUE(device_.runOneTask());
+    }
+    service_.reset();
+    device_.runUntilIdle();
+    EXPECT_EQ(storedCount(), 100U);
+}
+
+TEST_F(ZRMStatisticsServiceTest, EventsOfASecondStartFollowThoseOfTheFirst) {
+    start();
+    send("one");
+    service_->stop();
+    service_->start();
+    send("two");
+    device_.runUntilIdle();
+    EXPECT_THAT(sender_->names(), ElementsAre("one", "two"));
+}
+
+TEST_F(ZRMStatisticsServiceTest, EachEventIsLoggedBeforeTheQueueIsEmptiedForIt) {
+    makeService(5);
+    insert(*storage_->context(), "123456", device_.now().secondsSince1970);
+    service_->start();
+    std::size_t sendsLogged = 0;
+    device_.disk().faults().setHook(
+        [&](std::uint64_t, ZRMSimulatedDiskOperation, const std::string&) {
+            sendsLogged = sendsLogged == 0 ? countVerbose("Send event") : sendsLogged;
+        });
+    send("one");
+    send("two");
+    device_.runUntilIdle();
+    device_.disk().faults().setHook({});
+    // Both were handed on, in one go, before the store was touched for either.
+    EXPECT_EQ(sendsLogged, 2U);
+    EXPECT_THAT(errors(), ElementsAre("Storage is full, deleting all statistics"));
+    EXPECT_EQ(countVerbose("Did delete event"), 1U);
+    EXPECT_EQ(storedCount(), 2U);
 }
 
 TEST_F(ZRMStatisticsServiceTest, CountsEventsUntilTheyAreDeleted) {

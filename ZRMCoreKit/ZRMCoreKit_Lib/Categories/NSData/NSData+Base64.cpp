@@ -6,6 +6,8 @@ namespace {
 
 constexpr std::string_view kAlphabet =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr std::string_view kUrlAlphabet =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
 
 constexpr std::array<std::int8_t, 256> makeValues() {
     std::array<std::int8_t, 256> values{};
@@ -18,23 +20,39 @@ constexpr std::array<std::int8_t, 256> makeValues() {
 
 constexpr auto kValues = makeValues();
 
+// Without padding.
+std::string encoded(std::span<const std::uint8_t> data, std::string_view alphabet) {
+    std::string text(data.size() / 3 * 4 + (data.size() % 3 * 4 + 2) / 3, '\0');
+    auto character = text.begin();
+    const auto write = [&](std::uint32_t bits, int sextets) {
+        for (int shift = 18; sextets > 0; --sextets, shift -= 6) {
+            *character++ = alphabet[bits >> static_cast<unsigned>(shift) & 63U];
+        }
+    };
+    std::size_t index = 0;
+    for (; data.size() - index >= 3; index += 3) {
+        write(static_cast<std::uint32_t>(data[index] << 16U | data[index + 1] << 8U |
+                                         data[index + 2]),
+              4);
+    }
+    if (data.size() - index == 2) {
+        write(static_cast<std::uint32_t>(data[index] << 16U | data[index + 1] << 8U), 3);
+    } else if (data.size() - index == 1) {
+        write(static_cast<std::uint32_t>(data[index] << 16U), 2);
+    }
+    return text;
+}
+
 }  // namespace
 
 std::string zrm_base64String(std::span<const std::uint8_t> data) {
-    std::string text;
-    text.reserve((data.size() + 2) / 3 * 4);
-    for (std::size_t index = 0; index < data.size(); index += 3) {
-        const auto group = data.subspan(index, std::min<std::size_t>(3, data.size() - index));
-        std::uint32_t bits = 0;
-        for (std::size_t place = 0; place < 3; ++place) {
-            bits = bits << 8U | (place < group.size() ? group[place] : 0U);
-        }
-        text.push_back(kAlphabet[bits >> 18U & 63U]);
-        text.push_back(kAlphabet[bits >> 12U & 63U]);
-        text.push_back(group.size() > 1 ? kAlphabet[bits >> 6U & 63U] : '=');
-        text.push_back(group.size() > 2 ? kAlphabet[bits & 63U] : '=');
-    }
+    auto text = encoded(data, kAlphabet);
+    text.append((4 - text.size() % 4) % 4, '=');
     return text;
+}
+
+std::string zrm_base64UrlString(std::span<const std::uint8_t> data) {
+    return encoded(data, kUrlAlphabet);
 }
 
 std::optional<ZRMData> zrm_dataFromBase64String(std::string_view text, ZRMBase64Decoding decoding) {

@@ -1,3 +1,4 @@
+#include <array>
 #include <limits>
 #include <memory>
 #include <mutex>
@@ -32,16 +33,19 @@ void setOutput(z_stream& stream, ZRMData& buffer) {
         static_cast<uInt>(std::min<std::size_t>(room, std::numeric_limits<uInt>::max()));
 }
 
-// One compressor is kept between uses, so that not every event takes a quarter of a mebibyte and
-// gives it back. It is never destroyed, as a thread may compress while the process exits.
+// A few compressors are kept between uses, so that not every event takes a quarter of a mebibyte
+// and gives it back: one, and a second once two threads compress at the same time. They are never
+// destroyed, as a thread may compress while the process exits.
 class Compressor {
   public:
     // Absent when there is none to be had.
     static std::unique_ptr<Compressor> take() {
         {
             const std::lock_guard lock(idleMutex());
-            if (auto* const kept = std::exchange(idle(), nullptr)) {
-                return std::unique_ptr<Compressor>(kept);
+            for (auto*& kept : idle()) {
+                if (kept != nullptr) {
+                    return std::unique_ptr<Compressor>(std::exchange(kept, nullptr));
+                }
             }
         }
         auto made = std::unique_ptr<Compressor>(new Compressor);
@@ -49,23 +53,36 @@ class Compressor {
     }
 
     static void giveBack(std::unique_ptr<Compressor> compressor) {
-        auto& stream = compressor->stream_;
-        stream.avail_in = 0;
-        stream.avail_out = 0;
-        if (deflateReset(&stream) != Z_OK) {
+        if (deflateReset(&compressor->stream_) != Z_OK) {
             return;
         }
         const std::lock_guard lock(idleMutex());
-        if (idle() == nullptr) {
-            idle() = compressor.release();
+        for (auto*& place : idle()) {
+            if (place == nullptr) {
+                place = compressor.release();
+                return;
+            }
         }
+    }
+
+    // Everything at once; the compressor can then only be given back.
+    ZRMData compressed(std::span<const std::uint8_t> data) {
+        ZRMData result;
+        setInput(stream_, data);
+        do {
+            stream_.next_out = output_.data();
+            stream_.avail_out = static_cast<uInt>(output_.size());
+            deflate(&stream_, Z_FINISH);
+            // Queued events live long; the room for growth must not live with them.
+            result.reserve(result.size() + output_.size() - stream_.avail_out);
+            result.insert(result.end(), output_.begin(), output_.end() - stream_.avail_out);
+        } while (stream_.avail_out == 0);
+        return result;
     }
 
     ~Compressor() { deflateEnd(&stream_); }
     Compressor(const Compressor&) = delete;
     Compressor& operator=(const Compressor&) = delete;
-
-    [[nodiscard]] z_stream& stream() { return stream_; }
 
   private:
     Compressor()
@@ -77,13 +94,14 @@ class Compressor {
         static auto* const mutex = new std::mutex;
         return *mutex;
     }
-    static Compressor*& idle() {
-        static Compressor* compressor = nullptr;
-        return compressor;
+    static std::array<Compressor*, 2>& idle() {
+        static std::array<Compressor*, 2> compressors{};
+        return compressors;
     }
 
     z_stream stream_{};
     bool isReady_;
+    std::array<Bytef, kGzipGrowth> output_{};
 };
 
 }  // namespace
@@ -100,22 +118,9 @@ ZRMData zrm_gzipData(std::span<const std::uint8_t> data) {
     if (!compressor) {
         return {};
     }
-    auto& stream = compressor->stream();
-    setInput(stream, data);
-    ZRMData buffer;
-    while (stream.avail_out == 0) {
-        if (stream.total_out >= buffer.size()) {
-            buffer.resize(buffer.size() + kGzipGrowth);
-        }
-        setOutput(stream, buffer);
-        deflate(&stream, Z_FINISH);
-    }
-    const auto written = stream.total_out;
+    auto result = compressor->compressed(data);
     Compressor::giveBack(std::move(compressor));
-    buffer.resize(written);
-    // Queued events live long; the room for growth must not live with them.
-    buffer.shrink_to_fit();
-    return buffer;
+    return result;
 }
 
 ZRMData zrm_ungzipData(std::span<const std::uint8_t> data, std::size_t maximumLength) {

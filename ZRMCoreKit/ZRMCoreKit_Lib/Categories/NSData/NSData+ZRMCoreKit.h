@@ -41,6 +41,9 @@ std::optional<ZRMData> zrm_dataFromJson(const ZRMDictionary& object,
 // Standard base64 (RFC 4648, section 4) without line breaks, with its "=" padding.
 [[nodiscard]] std::string zrm_base64String(std::span<const std::uint8_t> data);
 
+// Base64url (RFC 4648, section 5) without padding.
+[[nodiscard]] std::string zrm_base64UrlString(std::span<const std::uint8_t> data);
+
 enum class ZRMBase64Decoding { Strict, IgnoreUnknownCharacters };
 
 // Decodes standard base64. Missing "=" padding is refused, surplus "=" at the end accepted, as are
