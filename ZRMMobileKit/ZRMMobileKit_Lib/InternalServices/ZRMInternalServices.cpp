@@ -16,6 +16,9 @@ class Gathering {
     Gathering& operator=(const Gathering&) = delete;
 
     ~Gathering() {
+        if (!error_ && continuation_.target<ZRMFailureHandler>() != nullptr) {
+            return;
+        }
         mainQueue_->post([continuation = std::move(continuation_), error = std::move(error_)] {
             continuation(error);
         });

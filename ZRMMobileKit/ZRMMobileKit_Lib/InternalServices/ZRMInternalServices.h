@@ -11,9 +11,21 @@
 #include "ZRMMobileKit/ZRMMobileKit_Lib/InternalServices/ZRMInternalService.h"
 #include "ZRMPlatform/Ports/ZRMQueue.h"
 
+// A completion handler to which only a failure is news. A success is not brought to it, which
+// spares the caller the waking of the main queue's thread.
+struct ZRMFailureHandler {
+    std::function<void(const ZRMError& error)> failed;
+
+    void operator()(const std::optional<ZRMError>& error) const {
+        if (error) {
+            failed(*error);
+        }
+    }
+};
+
 // An immutable list. A request goes to every service in the list's order; when all have answered,
-// the handler gets the error that came first, on the main queue, exactly once. May be used from any
-// thread.
+// the handler gets the error that came first, on the main queue, exactly once (a ZRMFailureHandler
+// only where there is one). May be used from any thread.
 class ZRMInternalServices {
   public:
     using CompletionHandler = ZRMInternalService::CompletionHandler;

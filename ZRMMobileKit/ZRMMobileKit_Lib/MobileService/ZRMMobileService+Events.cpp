@@ -85,7 +85,12 @@ void ZRMMobileServiceImpl::processEvent(ZRMMobileServiceEventType event,
         completionHandler(ZRMMobileKitErrorFactory::errorForCode(ZRMMobileKitErrorServiceNotReady));
         return;
     }
-    services->sendEvent(event, value, result, userId, std::move(completionHandler));
+    // By its own type, which says that a success need not be brought to it.
+    if (const auto* const failureHandler = completionHandler.target<ZRMFailureHandler>()) {
+        services->sendEvent(event, value, result, userId, *failureHandler);
+    } else {
+        services->sendEvent(event, value, result, userId, std::move(completionHandler));
+    }
 }
 
 std::optional<std::string> ZRMMobileServiceImpl::deviceTag() const {

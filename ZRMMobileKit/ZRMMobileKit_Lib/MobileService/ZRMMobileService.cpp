@@ -2,6 +2,7 @@
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLog.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMText.h"
+#include "ZRMMobileKit/ZRMMobileKit_Lib/InternalServices/ZRMInternalServices.h"
 #include "ZRMMobileKit/ZRMMobileKit_Lib/MobileService/ZRMMobileServiceImpl.h"
 #include "ZRMMobileKit/ZRMMobileKit_Lib/Settings/Certificate/ZRMCertificateProvider.h"
 #include "ZRMMobileKit/ZRMMobileKit_Lib/Settings/Provider/ZRMSettingsProvider.h"
@@ -35,11 +36,9 @@ void logLogin(const void* service, const char* name, const std::optional<std::st
 // Stands in where the host gives no handler.
 ZRMMobileService::CompletionHandler loggingHandler(
     const std::shared_ptr<ZRMMobileServiceImpl>& service) {
-    return [weakService = std::weak_ptr(service)](const std::optional<ZRMError>& error) {
-        if (error) {
-            zrm_logError(weakService.lock().get(), error->localizedDescription());
-        }
-    };
+    return ZRMFailureHandler{[weakService = std::weak_ptr(service)](const ZRMError& error) {
+        zrm_logError(weakService.lock().get(), error.localizedDescription());
+    }};
 }
 
 }  // namespace

@@ -59,6 +59,26 @@ TEST_F(ZRMInternalServicesTest, AnswersOnlyWhenEveryServiceHas) {
     EXPECT_TRUE(record_.succeededOnMain());
 }
 
+TEST_F(ZRMInternalServicesTest, FailureHandlerLearnsOfAFailureOnTheMainQueueAndOfNothingElse) {
+    std::vector<std::int64_t> failures;
+    const auto sendAndRun = [&] {
+        services().sendEvent(
+            ZRMMobileServiceEventType::UserLogout, std::nullopt, std::nullopt, std::nullopt,
+            ZRMFailureHandler{[&](const ZRMError& failure) {
+                EXPECT_TRUE(device_.platform()->executor->mainQueue()->isCurrent());
+                failures.push_back(failure.code());
+            }});
+        const auto failuresAtOnce = failures.size();
+        const bool wasTaskPosted = device_.runOneTask();
+        EXPECT_EQ(failuresAtOnce + (wasTaskPosted ? 1 : 0), failures.size());
+        return wasTaskPosted;
+    };
+    EXPECT_FALSE(sendAndRun());
+    second_->eventError = error(7);
+    EXPECT_TRUE(sendAndRun());
+    EXPECT_EQ(failures, std::vector<std::int64_t>{7});
+}
+
 TEST_F(ZRMInternalServicesTest, FirstErrorInTimeWins) {
     first_->eventError = error(21);
     second_->eventError = error(22);

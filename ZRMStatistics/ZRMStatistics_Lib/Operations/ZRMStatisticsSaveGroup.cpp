@@ -11,7 +11,7 @@ bool ZRMStatisticsSaveGroup::join(const std::shared_ptr<ZRMStatisticBaseOperatio
     return true;
 }
 
-void ZRMStatisticsSaveGroup::run() {
+std::size_t ZRMStatisticsSaveGroup::run() {
     Operations operations;
     {
         const ZRMLockGuard lock(mutex_);
@@ -26,6 +26,7 @@ void ZRMStatisticsSaveGroup::run() {
         operation->start();
         operation.reset();
     }
+    return operations.size();
 }
 
 void ZRMStatisticsSaveGroup::change(const Operations& operations) {

@@ -19,8 +19,9 @@ class ZRMStatisticsSaveGroup {
     // From any thread. False when the group is full or has run.
     bool join(const std::shared_ptr<ZRMStatisticBaseOperation>& operation);
 
-    // Every operation has finished when this returns. Only the first call has an effect.
-    void run();
+    // Every operation has finished when this returns; how many that were. Only the first call has
+    // an effect.
+    std::size_t run();
 
   private:
     using Operations = std::vector<std::shared_ptr<ZRMStatisticBaseOperation>>;

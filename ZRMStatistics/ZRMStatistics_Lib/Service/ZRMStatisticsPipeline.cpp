@@ -7,8 +7,11 @@
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLog.h"
 
 ZRMStatisticsPipeline::ZRMStatisticsPipeline(std::shared_ptr<ZRMQueue> serialQueue, Encode encode,
-                                             Deliver deliver)
-    : queue_(std::move(serialQueue)), encode_(std::move(encode)), deliver_(std::move(deliver)) {}
+                                             Deliver deliver, AwaitRoom awaitRoom)
+    : queue_(std::move(serialQueue)),
+      encode_(std::move(encode)),
+      deliver_(std::move(deliver)),
+      awaitRoom_(std::move(awaitRoom)) {}
 
 void ZRMStatisticsPipeline::put(std::shared_ptr<const ZRMStatisticsEvent> event,
                                 std::int16_t priority) {
@@ -31,26 +34,13 @@ void ZRMStatisticsPipeline::put(std::shared_ptr<const ZRMStatisticsEvent> event,
 
 // A run ends after a batch, so that other work of the pool gets its turn.
 void ZRMStatisticsPipeline::run() {
-    std::vector<Encoded> done;
-    bool goesOn = true;
-    for (std::size_t encoded = 0; encoded < kMaxBatch && goesOn; ++encoded) {
-        Slot* slot = nullptr;
-        {
-            const ZRMLockGuard lock(mutex_);
-            slot = takeWaiting();
-        }
-        goesOn = slot != nullptr;
-        if (goesOn) {
-            encode(*slot);
-        }
+    handOn();
+    if (awaitRoom_ && awaitRoom_([self = shared_from_this()] { self->post(); })) {
+        return;
     }
-    {
-        const ZRMLockGuard lock(mutex_);
-        done = takeDone();
-    }
-    if (!done.empty()) {
-        deliver_(done);
-    }
+    encodeBatch();
+    handOn();
+    bool goesOn = false;
     {
         const ZRMLockGuard lock(mutex_);
         // What a reporter still encodes is handed on by the task that it posts.
@@ -59,6 +49,31 @@ void ZRMStatisticsPipeline::run() {
     }
     if (goesOn) {
         post();
+    }
+}
+
+void ZRMStatisticsPipeline::encodeBatch() {
+    for (std::size_t encoded = 0; encoded < kMaxBatch; ++encoded) {
+        Slot* slot = nullptr;
+        {
+            const ZRMLockGuard lock(mutex_);
+            slot = takeWaiting();
+        }
+        if (slot == nullptr) {
+            return;
+        }
+        encode(*slot);
+    }
+}
+
+void ZRMStatisticsPipeline::handOn() {
+    std::vector<Encoded> done;
+    {
+        const ZRMLockGuard lock(mutex_);
+        done = takeDone();
+    }
+    if (!done.empty()) {
+        deliver_(done);
     }
 }
 

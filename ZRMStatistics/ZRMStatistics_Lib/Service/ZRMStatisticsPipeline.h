@@ -33,8 +33,14 @@ class ZRMStatisticsPipeline final : public std::enable_shared_from_this<ZRMStati
     using Encode = std::function<ZRMSharedData(const ZRMStatisticsEvent& event)>;
     // One call at a time, on the queue, in the order of put().
     using Deliver = std::function<void(const std::vector<Encoded>& events)>;
+    // True where what was handed on piles up; the task is then called once it does no longer. Until
+    // then the queue encodes nothing, which leaves the processor to those behind it, and reporters
+    // encode all there is.
+    using AwaitRoom = std::function<bool(ZRMTask goOn)>;
 
-    ZRMStatisticsPipeline(std::shared_ptr<ZRMQueue> serialQueue, Encode encode, Deliver deliver);
+    // `awaitRoom` may be absent.
+    ZRMStatisticsPipeline(std::shared_ptr<ZRMQueue> serialQueue, Encode encode, Deliver deliver,
+                          AwaitRoom awaitRoom = {});
 
     // From any thread.
     void put(std::shared_ptr<const ZRMStatisticsEvent> event, std::int16_t priority);
@@ -48,6 +54,8 @@ class ZRMStatisticsPipeline final : public std::enable_shared_from_this<ZRMStati
     };
 
     void run();
+    void encodeBatch();
+    void handOn();
     // Null when none waits.
     Slot* takeWaiting() ZRM_REQUIRES(mutex_);
     std::vector<Encoded> takeDone() ZRM_REQUIRES(mutex_);
@@ -59,6 +67,7 @@ class ZRMStatisticsPipeline final : public std::enable_shared_from_this<ZRMStati
     const std::shared_ptr<ZRMQueue> queue_;
     const Encode encode_;
     const Deliver deliver_;
+    const AwaitRoom awaitRoom_;
 
     ZRMMutex mutex_;  // guards what follows; nothing is called with it held
     std::deque<Slot> slots_ ZRM_GUARDED_BY(mutex_);

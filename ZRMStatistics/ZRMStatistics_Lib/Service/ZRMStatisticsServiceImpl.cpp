@@ -174,7 +174,8 @@ std::shared_ptr<ZRMStatisticsPipeline> ZRMStatisticsServiceImpl::makePipeline() 
     return std::make_shared<ZRMStatisticsPipeline>(
         platform_->executor->makeSerialQueue(zrm_queueNameForClass("ZRMStatisticsPipeline"),
                                              ZRMQualityOfService::Default),
-        std::move(encode), std::move(store));
+        std::move(encode), std::move(store),
+        [queue = queue_](ZRMTask goOn) { return queue->awaitRoom(std::move(goOn)); });
 }
 
 void ZRMStatisticsServiceImpl::sendWithoutStorage(const ZRMStatisticsEvent& event) {

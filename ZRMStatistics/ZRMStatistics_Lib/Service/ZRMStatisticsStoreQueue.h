@@ -1,6 +1,8 @@
 // The service's queue: changes of the store, and what has its turn between them.
 #pragma once
 
+#include <atomic>
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>
@@ -19,10 +21,18 @@ class ZRMStatisticsStoreQueue {
     void add(const std::shared_ptr<ZRMStatisticBaseOperation>& operation);
     void addBlock(std::function<void()> block);
 
+    // So many operations may wait before those that bring events are to wait too: some tens of
+    // milliseconds' work, and half a mebibyte.
+    static constexpr std::size_t kMaxWaiting = 512;
+    // Where more wait, true, and the block is called when they have run.
+    bool awaitRoom(std::function<void()> block);
+
     [[nodiscard]] ZRMOperationQueue& operations() { return operations_; }
 
   private:
     ZRMOperationQueue operations_;
+    const std::shared_ptr<std::atomic<std::size_t>> waiting_ =
+        std::make_shared<std::atomic<std::size_t>>(0);
 
     ZRMMutex mutex_;  // held while something enters the queue
     // That the next store operation may join.

@@ -220,6 +220,34 @@ TEST_F(ZRMStatisticsPipelineTest, ExceptionOfAnotherEventDoesNotReachTheReporter
     EXPECT_EQ(delivered_.front(), -1);
 }
 
+TEST_F(ZRMStatisticsPipelineTest, QueueEncodesNothingWhileWhatWasHandedOnPilesUp) {
+    ZRMTask goOn;
+    bool isPiledUp = false;
+    pipeline_ = std::make_shared<ZRMStatisticsPipeline>(
+        queue_, [this](const ZRMStatisticsEvent& event) { return encode(event); },
+        [this](const std::vector<ZRMStatisticsPipeline::Encoded>& events) {
+            delivered_.insert(delivered_.end(), events.size(), 1);
+        },
+        [&](ZRMTask task) {
+            goOn = isPiledUp ? std::move(task) : nullptr;
+            return isPiledUp;
+        });
+    isPiledUp = true;
+    putUpTo(kMaxWaiting + 4);
+    queue_->runAll();
+    // Four were encoded by their reporters and handed on.
+    EXPECT_EQ(encoded_, numbersUpTo(4));
+    EXPECT_EQ(delivered_.size(), 4U);
+    putUpTo(kMaxWaiting + 6);
+    EXPECT_EQ(queue_->taskCount(), 0U);
+    EXPECT_EQ(encoded_, numbersUpTo(6));
+    isPiledUp = false;
+    std::exchange(goOn, nullptr)();
+    queue_->runAll();
+    EXPECT_EQ(encoded_, numbersUpTo(kMaxWaiting + 6));
+    EXPECT_EQ(delivered_.size(), std::size_t{kMaxWaiting} + 6);
+}
+
 TEST_F(ZRMStatisticsPipelineTest, WhatWasPutIsHandedOnAfterTheOwnerLetGo) {
     putUpTo(kMaxWaiting + 5);
     pipeline_.reset();

@@ -410,7 +410,7 @@ TEST_F(ZRMStatisticsServiceTest, EventHandedOverBeforeStartIsDroppedWithAConsole
 TEST_F(ZRMStatisticsServiceTest, EventsAreStoredInTheOrderOfTheirReportsHoweverManyWait) {
     start();
     std::vector<std::string> expected;
-    for (int number = 0; number < 300; ++number) {
+    for (int number = 0; number < 2000; ++number) {
         expected.push_back(std::to_string(number));
         send(expected.back());
     }
