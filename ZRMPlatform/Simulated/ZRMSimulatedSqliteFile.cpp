@@ -46,7 +46,7 @@ int ZRMSimulatedSqliteFile::read(std::span<std::uint8_t> bytes, std::uint64_t of
     const auto& held = file_->bytes();
     const std::size_t begin = std::min<std::uint64_t>(offset, held.size());
     const std::size_t count = std::min(bytes.size(), held.size() - begin);
-    std::ranges::copy(std::span(held).subspan(begin, count), bytes.begin());
+    std::copy_n(held.data() + begin, count, bytes.data());
     std::ranges::fill(bytes.subspan(count), std::uint8_t{0});
     return count == bytes.size() ? SQLITE_OK : SQLITE_IOERR_SHORT_READ;
 }
