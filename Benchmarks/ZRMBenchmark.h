@@ -12,8 +12,8 @@ struct ZRMBenchmark {
     std::function<ZRMFigures()> measure;
 };
 
-// All there are, in the order in which they run.
-std::vector<ZRMBenchmark> zrm_benchmarks();
+// All there are, in the order in which they run. `kills`: how often a host is killed at each speed.
+std::vector<ZRMBenchmark> zrm_benchmarks(int kills);
 
 // Seconds that the work takes: the median of `runs` runs, on the uptime clock.
 double zrm_medianSeconds(int runs, const std::function<void()>& work);

@@ -4,12 +4,13 @@
 #include "Benchmarks/ZRMCodeSignatureBenchmark.h"
 #include "Benchmarks/ZRMDrainBenchmark.h"
 #include "Benchmarks/ZRMFingerprintBenchmark.h"
+#include "Benchmarks/ZRMKillBenchmark.h"
 #include "Benchmarks/ZRMLibraryBenchmark.h"
 #include "Benchmarks/ZRMReportBenchmark.h"
 #include "Benchmarks/ZRMStoreBenchmark.h"
 #include "Benchmarks/ZRMVerificationBenchmark.h"
 
-std::vector<ZRMBenchmark> zrm_benchmarks() {
+std::vector<ZRMBenchmark> zrm_benchmarks(int kills) {
     return {
         {"bundle-hash speed", zrm_measureBundleHashSpeed},
         {"bundle-hash memory", zrm_measureBundleHashMemory},
@@ -22,6 +23,7 @@ std::vector<ZRMBenchmark> zrm_benchmarks() {
         {"analysis", zrm_measureAnalysis},
         {"drain", zrm_measureDrain},
         {"exit", zrm_measureExit},
+        {"kills", [kills] { return zrm_measureKills(kills); }},
         {"attempts", zrm_measureAttemptsWithoutNetwork},
         {"library", zrm_measureLibrary},
         {"code-signature", zrm_measureCodeSignature},

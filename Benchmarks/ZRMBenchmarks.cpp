@@ -32,10 +32,10 @@ ZRMFigures measured(const ZRMBenchmark& benchmark, bool& isWhole) {
     }
 }
 
-int run(const std::string& only, const std::string& jsonPath) {
+int run(const std::string& only, const std::string& jsonPath, int kills) {
     ZRMJsonArray all;
     bool areAllMet = true;
-    for (const auto& benchmark : zrm_benchmarks()) {
+    for (const auto& benchmark : zrm_benchmarks(kills)) {
         if (!only.empty() && only != benchmark.name) {
             continue;
         }
@@ -61,6 +61,9 @@ int main(int argc, char** argv) {
     std::string jsonPath;
     app.add_option("--only", only, "The name of one benchmark");
     app.add_option("--json", jsonPath, "Writes the figures to this file as well");
+    int kills = 20;
+    app.add_option("--kills", kills, "How often a reporting host is killed at each speed")
+        ->check(CLI::PositiveNumber);
     CLI11_PARSE(app, argc, argv);
-    return run(only, jsonPath);
+    return run(only, jsonPath, kills);
 }
