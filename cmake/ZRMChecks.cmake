@@ -17,6 +17,10 @@ if(ZRM_BUILD_TESTS)
     set_tests_properties(source/${CHECK} PROPERTIES LABELS source)
   endforeach()
 
+  add_test(NAME source/coverage-bounds COMMAND ${Python3_EXECUTABLE} -B
+    ${PROJECT_SOURCE_DIR}/scripts/checks/coverage_test.py)
+  set_tests_properties(source/coverage-bounds PROPERTIES LABELS source)
+
   if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     add_test(NAME source/lock-misuse COMMAND ${CMAKE_CXX_COMPILER} -std=c++20 -fsyntax-only -Werror
       -Wthread-safety -I${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_LIST_DIR}/ZRMLockMisuse.cpp)
@@ -24,8 +28,9 @@ if(ZRM_BUILD_TESTS)
       PASS_REGULAR_EXPRESSION "requires holding mutex 'mutex_'")
   endif()
 
-  # One source a header, so that each is compiled by itself. A sanitizer would find nothing here.
-  if(ZRM_SANITIZE)
+  # One source a header, so that each is compiled by itself. A sanitizer would find nothing here, and
+  # nothing of it runs.
+  if(ZRM_SANITIZE OR ZRM_COVERAGE)
     return()
   endif()
   file(GLOB_RECURSE ZRM_HEADERS CONFIGURE_DEPENDS RELATIVE "${PROJECT_SOURCE_DIR}"

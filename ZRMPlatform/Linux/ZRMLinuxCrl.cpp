@@ -30,21 +30,21 @@ ZRMLinuxRevocationStatus statusBy(X509_CRL* crl, const ZRMLinuxX509& certificate
                         [](STACK_OF(X509_CRL) * owned) { sk_X509_CRL_free(owned); });
     const auto anchors = zrm_x509Stack({&issuer, 1});
     const Context context(X509_STORE_CTX_new(), &X509_STORE_CTX_free);
-    if (!crls || sk_X509_CRL_push(crls.get(), crl) == 0 || !context ||
-        X509_STORE_CTX_init(context.get(), nullptr, certificate.get(), nullptr) != 1) {
-        return ZRMLinuxRevocationStatus::NoAnswer;
+    auto status = ZRMLinuxRevocationStatus::NoAnswer;
+    if (crls && sk_X509_CRL_push(crls.get(), crl) != 0 && context &&
+        X509_STORE_CTX_init(context.get(), nullptr, certificate.get(), nullptr) == 1) {
+        X509_STORE_CTX_set0_trusted_stack(context.get(), anchors.get());
+        X509_STORE_CTX_set0_crls(context.get(), crls.get());
+        auto* const parameters = X509_STORE_CTX_get0_param(context.get());
+        X509_VERIFY_PARAM_set_flags(parameters, X509_V_FLAG_PARTIAL_CHAIN | X509_V_FLAG_CRL_CHECK);
+        X509_VERIFY_PARAM_set_time(parameters, zrm_secondsForOpenSSL(date));
+        if (X509_verify_cert(context.get()) == 1) {
+            status = ZRMLinuxRevocationStatus::Good;
+        } else if (X509_STORE_CTX_get_error(context.get()) == X509_V_ERR_CERT_REVOKED) {
+            status = ZRMLinuxRevocationStatus::Revoked;
+        }
     }
-    X509_STORE_CTX_set0_trusted_stack(context.get(), anchors.get());
-    X509_STORE_CTX_set0_crls(context.get(), crls.get());
-    auto* const parameters = X509_STORE_CTX_get0_param(context.get());
-    X509_VERIFY_PARAM_set_flags(parameters, X509_V_FLAG_PARTIAL_CHAIN | X509_V_FLAG_CRL_CHECK);
-    X509_VERIFY_PARAM_set_time(parameters, zrm_secondsForOpenSSL(date));
-    if (X509_verify_cert(context.get()) == 1) {
-        return ZRMLinuxRevocationStatus::Good;
-    }
-    return X509_STORE_CTX_get_error(context.get()) == X509_V_ERR_CERT_REVOKED
-               ? ZRMLinuxRevocationStatus::Revoked
-               : ZRMLinuxRevocationStatus::NoAnswer;
+    return status;
 }
 
 }  // namespace

@@ -150,24 +150,22 @@ ZRMLinuxOcspQuestion::ZRMLinuxOcspQuestion(ZRMLinuxX509 certificate, ZRMLinuxX50
     std::shared_ptr<OCSP_REQUEST> request(OCSP_REQUEST_new(), &OCSP_REQUEST_free);
     CertificateId id(OCSP_cert_to_id(EVP_sha1(), certificate_.get(), issuer_.get()),
                      &OCSP_CERTID_free);
-    if (!request || !id || OCSP_request_add0_id(request.get(), id.get()) == nullptr) {
-        return;
-    }
-    static_cast<void>(id.release());
-    constexpr int kUsualLength = -1;
-    if (OCSP_request_add1_nonce(request.get(), nullptr, kUsualLength) == 1) {
-        request_ = std::move(request);
+    if (request && id && OCSP_request_add0_id(request.get(), id.get()) != nullptr) {
+        static_cast<void>(id.release());
+        constexpr int kUsualLength = -1;
+        if (OCSP_request_add1_nonce(request.get(), nullptr, kUsualLength) == 1) {
+            request_ = std::move(request);
+        }
     }
 }
 
 ZRMData ZRMLinuxOcspQuestion::der() const {
     const int length = request_ ? i2d_OCSP_REQUEST(request_.get(), nullptr) : 0;
-    if (length <= 0) {
-        return {};
+    ZRMData der(static_cast<std::size_t>(std::max(length, 0)));
+    if (!der.empty()) {
+        auto* cursor = der.data();
+        i2d_OCSP_REQUEST(request_.get(), &cursor);
     }
-    ZRMData der(static_cast<std::size_t>(length));
-    auto* cursor = der.data();
-    i2d_OCSP_REQUEST(request_.get(), &cursor);
     return der;
 }
 

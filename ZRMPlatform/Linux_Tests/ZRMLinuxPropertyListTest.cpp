@@ -123,6 +123,21 @@ TEST(ZRMLinuxPropertyList, AListThatHoldsItselfIsRefused) {
     EXPECT_FALSE(zrm_readPropertyList(bytes));
 }
 
+TEST(ZRMLinuxPropertyList, ATextWhoseLengthLiesPastTheEndIsRefused) {
+    constexpr std::uint8_t kTable = 0x5F;  // in the last byte, where it reads as a text, too
+    ZRMData bytes = bytesOf("bplist00");
+    bytes.resize(kTable);
+    constexpr std::size_t kTrailer = 32;
+    bytes.push_back(kTable + kTrailer);  // where the one object lies
+    bytes.resize(bytes.size() + kTrailer);
+    auto* const trailer = bytes.data() + bytes.size() - kTrailer;
+    trailer[6] = 1;
+    trailer[7] = 1;
+    trailer[15] = 1;
+    trailer[31] = kTable;
+    EXPECT_FALSE(zrm_readPropertyList(bytes));
+}
+
 TEST(ZRMLinuxPropertyList, DeepNestingAndGreatSizeAreRefused) {
     std::string deep;
     for (int level = 0; level < 100'000; ++level) {

@@ -103,6 +103,18 @@ TEST_F(ZRMHostileImageTest, ACodeDirectoryTooShortForItsFieldsHasNoType) {
     EXPECT_EQ(signatureOf(image.bytes)[1].codeDirectoryHash(), std::nullopt);
 }
 
+TEST_F(ZRMHostileImageTest, ACodeDirectoryThatEndsBehindItsTypeLeavesTheSlotsOutWithALogLine) {
+    ZRMSignedImagePlan plan;
+    plan.codeDirectories.clear();
+    ZRMData content(30);
+    content.back() = 2;  // the type, at offset 37 of the blob
+    plan.others = {{0xfade0c02, content}};
+    const auto sha256 = signatureOf(zrm_writeSignedImage(plan).bytes)[1];
+    EXPECT_NE(sha256.codeDirectoryHash(), std::nullopt);
+    EXPECT_EQ(sha256.slotHashes(), std::nullopt);
+    EXPECT_TRUE(logsError("The code directory is too short for its fields"));
+}
+
 TEST_F(ZRMHostileImageTest, AMillionBrokenBlobsDoNotFillTheLog) {
     auto image = zrm_writeSignedImage({});
     zrm_putBig32(image.bytes, image.signatureOffset + 8, 1000000);

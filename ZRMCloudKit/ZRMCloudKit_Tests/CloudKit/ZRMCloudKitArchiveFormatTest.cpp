@@ -31,6 +31,16 @@ TEST(ZRMCloudKitArchiveFormat, StillReadsTheArchivesOfEarlierBuilds) {
     EXPECT_EQ(ZRMCloudKitSettingsValues::decode(object.value()), expected);
 }
 
+TEST(ZRMCloudKitArchiveFormat, AFieldOfAnotherTypeMakesItNone) {
+    const auto object = exampleValues().encode();
+    ASSERT_TRUE(ZRMCloudKitSettingsValues::decode(object));
+    for (const auto& [key, value] : object.fields) {
+        auto changed = object;
+        changed.fields[key] = true;
+        EXPECT_FALSE(ZRMCloudKitSettingsValues::decode(changed)) << key;
+    }
+}
+
 TEST(ZRMCloudKitArchiveFormat, StillWritesTheSameBytes) {
     const auto bytes = zrm_makeDefaultPlatform()->keyedArchiver->encode(exampleValues().encode());
     ASSERT_TRUE(bytes);

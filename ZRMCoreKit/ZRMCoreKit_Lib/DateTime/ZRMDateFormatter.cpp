@@ -5,7 +5,6 @@
 #include <unicode/gregocal.h>
 #include <unicode/smpdtfmt.h>
 
-#include "ZRMCoreKit/ZRMCoreKit_Lib/Logger/ZRMLog.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMText.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMUnicodeString.h"
 #include "ZRMPlatform/Ports/ZRMMutex.h"
@@ -35,13 +34,12 @@ class ZRMDateFormatter::IcuFormat {
             std::make_unique<icu::SimpleDateFormat>(zrm_unicodeString(pattern), icuLocale, status);
         auto calendar = std::make_unique<icu::GregorianCalendar>(
             icu::TimeZone::createTimeZone(zrm_unicodeString(timeZone)), icuLocale, status);
-        if (U_FAILURE(status)) {
-            zrm_logError(this, std::string("No date formatter: ") + u_errorName(status));
-            return;
+        // Only without ICU's data is there none; dates are then neither written nor read.
+        if (U_SUCCESS(status)) {
+            format->adoptCalendar(calendar.release());
+            format->setLenient(false);
+            format_ = std::move(format);
         }
-        format->adoptCalendar(calendar.release());
-        format->setLenient(false);
-        format_ = std::move(format);
     }
 
     std::string stringFromMilliseconds(double milliseconds) {

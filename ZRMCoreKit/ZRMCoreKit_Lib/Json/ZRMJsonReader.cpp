@@ -15,6 +15,20 @@ ZRMError failure(const std::string& reason) {
                                      "The data is not valid JSON: " + reason + ".");
 }
 
+// What a parser event tells, which may be written as a list of its parts.
+struct Ignored {
+    template <class... Parts>
+    constexpr Ignored(const Parts&... /*parts*/) {}
+};
+
+// A parser event from which nothing follows.
+struct GoOn {
+    constexpr bool operator()(Ignored /*first*/, Ignored /*second*/ = {},
+                              Ignored /*third*/ = {}) const {
+        return true;
+    }
+};
+
 // Parser events that stop at a member name its object has already.
 class DuplicateNameHandler {
   public:
@@ -26,8 +40,8 @@ class DuplicateNameHandler {
     static constexpr std::size_t max_key_size = static_cast<std::size_t>(-1);
     static constexpr std::size_t max_string_size = static_cast<std::size_t>(-1);
 
-    bool on_document_begin(error_code&) { return true; }
-    bool on_document_end(error_code&) { return true; }
+    static constexpr GoOn on_document_begin{};
+    static constexpr GoOn on_document_end{};
     bool on_object_begin(error_code&) {
         names_.emplace_back();
         return true;
@@ -36,8 +50,8 @@ class DuplicateNameHandler {
         names_.pop_back();
         return true;
     }
-    bool on_array_begin(error_code&) { return true; }
-    bool on_array_end(std::size_t, error_code&) { return true; }
+    static constexpr GoOn on_array_begin{};
+    static constexpr GoOn on_array_end{};
     bool on_key_part(string_view part, std::size_t, error_code&) {
         name_.append(part.data(), part.size());
         return true;
@@ -51,16 +65,16 @@ class DuplicateNameHandler {
         }
         return isNew;
     }
-    bool on_string_part(string_view, std::size_t, error_code&) { return true; }
-    bool on_string(string_view, std::size_t, error_code&) { return true; }
-    bool on_number_part(string_view, error_code&) { return true; }
-    bool on_int64(std::int64_t, string_view, error_code&) { return true; }
-    bool on_uint64(std::uint64_t, string_view, error_code&) { return true; }
-    bool on_double(double, string_view, error_code&) { return true; }
-    bool on_bool(bool, error_code&) { return true; }
-    bool on_null(error_code&) { return true; }
-    bool on_comment_part(string_view, error_code&) { return true; }
-    bool on_comment(string_view, error_code&) { return true; }
+    static constexpr GoOn on_string_part{};
+    static constexpr GoOn on_string{};
+    static constexpr GoOn on_number_part{};
+    static constexpr GoOn on_int64{};
+    static constexpr GoOn on_uint64{};
+    static constexpr GoOn on_double{};
+    static constexpr GoOn on_bool{};
+    static constexpr GoOn on_null{};
+    static constexpr GoOn on_comment_part{};
+    static constexpr GoOn on_comment{};
 
   private:
     std::vector<std::set<std::string>> names_;  // of the objects that are open

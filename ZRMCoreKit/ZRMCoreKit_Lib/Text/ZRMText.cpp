@@ -19,9 +19,7 @@ void forEachCodePoint(std::string_view text, Visit visit) {
     std::size_t start = 0;
     while (start < text.size()) {
         const auto [character, length] = zrm_firstCodePoint(text.substr(start));
-        if (!visit(character, start, length)) {
-            return;
-        }
+        visit(character, start, length);
         start += length;
     }
 }
@@ -108,7 +106,6 @@ std::string zrm_repairedUtf8(std::string_view text) {
         } else {
             repaired.append(text.substr(start, length));
         }
-        return true;
     });
     return repaired;
 }
@@ -119,14 +116,13 @@ std::string_view zrm_trimmedControlCharacters(std::string_view text) {
     bool isInside = false;
     forEachCodePoint(text, [&](UChar32 character, std::size_t start, std::size_t length) {
         if (isControl(character)) {
-            return true;
+            return;
         }
         if (!isInside) {
             isInside = true;
             begin = start;
         }
         end = start + length;
-        return true;
     });
     return isInside ? text.substr(begin, end - begin) : std::string_view();
 }

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 #include <zlib.h>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSData/NSData+ZRMCoreKit.h"
@@ -43,6 +44,19 @@ TEST(ZRMGzip, ContentSurvivesWhateverItsLength) {
     const auto zipped = zrm_gzipData(zeros);
     EXPECT_LT(zipped.size(), 2000U);
     EXPECT_EQ(zrm_ungzipData(zipped), zeros);
+}
+
+TEST(ZRMGzip, MoreThanZlibCanCountComesOutEmpty) {
+    constexpr std::size_t kLength = std::size_t{1} << 32U;
+    void* const memory = mmap(nullptr, kLength, PROT_READ | PROT_WRITE,
+                              MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    ASSERT_NE(memory, MAP_FAILED);
+    const std::span data(static_cast<std::uint8_t*>(memory), kLength);
+    EXPECT_EQ(zrm_gzipData(data), ZRMData());
+    data[0] = 0x1F;
+    data[1] = 0x8B;
+    EXPECT_EQ(zrm_ungzipData(data), ZRMData());
+    munmap(memory, kLength);
 }
 
 TEST(ZRMGzip, OutputThatFillsTheBufferExactlyIsWhole) {

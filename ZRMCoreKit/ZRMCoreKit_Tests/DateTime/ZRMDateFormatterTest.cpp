@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/DateTime/ZRMDateFormatter.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/DateTime/ZRMNumericDatePattern.h"
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 
 namespace {
@@ -40,6 +41,13 @@ TEST(ZRMDateFormatter, TheFastWayAgreesWithIcu) {
     for (int day = 0; day < 40000; day += 13) {
         const auto seconds = day * 86400.0 + day;
         ASSERT_EQ(written(seconds), writtenByIcu(seconds)) << seconds;
+    }
+}
+
+TEST(ZRMDateFormatter, OnlyNumbersAndClosedQuotesGoTheFastWay) {
+    EXPECT_TRUE(ZRMNumericDatePattern::fromPattern("yyyy-MM-dd'T'HH:mm:ss.SSS"));
+    for (const auto* pattern : {"HH 'open", "EE", "MMM", "yy", "G"}) {
+        EXPECT_FALSE(ZRMNumericDatePattern::fromPattern(pattern)) << pattern;
     }
 }
 

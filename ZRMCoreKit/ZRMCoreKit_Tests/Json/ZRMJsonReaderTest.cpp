@@ -92,4 +92,16 @@ TEST(ZRMJsonReader, RefusesTwoMembersOfOneNameWhenAsked) {
     expectRefused(R"({"a":1,"\u0061":2})", strictly);
     expectRefused(R"({"":1,"":2})", strictly);
     EXPECT_TRUE(zrm_jsonFromText(R"({"a":{"a":1},"b":[{"a":1},{"a":2}],"A":0})", strictly));
+    EXPECT_TRUE(
+        zrm_jsonFromText(R"({"a":18446744073709551615,"b":-1.5e3,"c":true,"d":null})", strictly));
+}
+
+TEST(ZRMJsonReader, TellsLongNamesApartWhereverTheyAreEscaped) {
+    const ZRMJsonReadingOptions strictly{.refusesDuplicateNames = true};
+    const std::string name(10000, 'n');
+    const auto object = [&name](const std::string& second) {
+        return "{\"" + name + "\":1,\"\\u006e" + second + "\":2}";
+    };
+    expectRefused(object(name.substr(1)), strictly);
+    EXPECT_TRUE(zrm_jsonFromText(object(name), strictly));
 }

@@ -84,7 +84,10 @@ INSTANTIATE_TEST_SUITE_P(
             R"({"version": 1, "entities": [{"name": "A", "attributes": [{"name": "a", "type": "float"}]}]})"},
         MalformedModel{
             "AttributeTwiceWithTwoTypes",
-            R"({"version": 1, "entities": [{"name": "A", "attributes": [{"name": "a", "type": "double"}, {"name": "a", "type": "binary"}]}]})"}),
+            R"({"version": 1, "entities": [{"name": "A", "attributes": [{"name": "a", "type": "double"}, {"name": "a", "type": "binary"}]}]})"},
+        MalformedModel{
+            "EntityTwiceWithTwoTypes",
+            R"({"version": 1, "entities": [{"name": "A", "attributes": [{"name": "a", "type": "double"}]}, {"name": "A", "attributes": [{"name": "a", "type": "binary"}]}]})"}),
     [](const auto& parameter) { return std::string(parameter.param.name); });
 
 TEST(ZRMManagedObjectModel, MergingUnitesEntitiesAndAttributesAndTakesTheHighestVersion) {

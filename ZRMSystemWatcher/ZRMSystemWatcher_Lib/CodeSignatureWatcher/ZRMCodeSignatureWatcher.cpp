@@ -56,15 +56,10 @@ struct ZRMCodeSignatureWatcher::Signatures {
     ZRMCodeSignatureBlob sha256;
 
     [[nodiscard]] ZRMCodeSignatureBlob* ofType(ZRMCodeSignatureHashType type) {
-        switch (type) {
-            case ZRMCodeSignatureHashType::Sha1:
-                return &sha1;
-            case ZRMCodeSignatureHashType::Sha256:
-                return &sha256;
-            case ZRMCodeSignatureHashType::Unknown:
-                return nullptr;
+        if (type == ZRMCodeSignatureHashType::Sha1) {
+            return &sha1;
         }
-        return nullptr;
+        return type == ZRMCodeSignatureHashType::Sha256 ? &sha256 : nullptr;
     }
 };
 

@@ -53,12 +53,10 @@ class Compressor {
     }
 
     static void giveBack(std::unique_ptr<Compressor> compressor) {
-        if (deflateReset(&compressor->stream_) != Z_OK) {
-            return;
-        }
+        const bool isFit = deflateReset(&compressor->stream_) == Z_OK;
         const std::lock_guard lock(idleMutex());
         for (auto*& place : idle()) {
-            if (place == nullptr) {
+            if (isFit && place == nullptr) {
                 place = compressor.release();
                 return;
             }

@@ -13,27 +13,24 @@ ZRMCalendarUnit unsupportedUnit([[maybe_unused]] const char* message) {
 #endif
 }
 
-// The field that a unit names, or nothing.
-std::int64_t* fieldForUnit(ZRMDateComponents& components, ZRMCalendarUnit unit) {
+// The field that the unit of a designator names; no designator's unit is unsupported.
+std::int64_t& fieldForUnit(ZRMDateComponents& components, ZRMCalendarUnit unit) {
     switch (unit) {
         case ZRMCalendarUnit::Year:
-            return &components.year;
+            return components.year;
         case ZRMCalendarUnit::Month:
-            return &components.month;
+            return components.month;
         case ZRMCalendarUnit::WeekOfYear:
-            return &components.weekOfYear;
+            return components.weekOfYear;
         case ZRMCalendarUnit::Day:
-            return &components.day;
+            return components.day;
         case ZRMCalendarUnit::Hour:
-            return &components.hour;
+            return components.hour;
         case ZRMCalendarUnit::Minute:
-            return &components.minute;
-        case ZRMCalendarUnit::Second:
-            return &components.second;
-        case ZRMCalendarUnit::Unsupported:
-            break;
+            return components.minute;
+        default:
+            return components.second;
     }
-    return nullptr;
 }
 
 }  // namespace
@@ -86,12 +83,8 @@ std::optional<ZRMDateComponents> zrm_dateComponentsForISO8601DurationString(
         if (run.size() != 1) {
             return std::nullopt;
         }
-        auto* const field = fieldForUnit(components, isDate ? zrm_dateCalendarUnitForString(run)
-                                                            : zrm_timeCalendarUnitForString(run));
-        if (field == nullptr) {
-            return std::nullopt;
-        }
-        *field = *number;
+        fieldForUnit(components, isDate ? zrm_dateCalendarUnitForString(run)
+                                        : zrm_timeCalendarUnitForString(run)) = *number;
     }
     return components;
 }

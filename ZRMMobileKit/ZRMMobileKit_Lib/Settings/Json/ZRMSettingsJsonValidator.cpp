@@ -21,17 +21,13 @@ bool keepsRule(ZRMSettingsRule rule, const ZRMJsonValue& value) {
         return false;
     }
     const std::string_view text(string->data(), string->size());
-    switch (rule) {
-        case ZRMSettingsRule::HttpUrl:
-            return isNoUrlOrHttp(text);
-        case ZRMSettingsRule::ISO8601Duration:
-            return zrm_timeIntervalFromISO8601DurationString(text) != kZRMUnknownTimeInterval;
-        case ZRMSettingsRule::NonEmptyText:
-            return !text.empty();
-        case ZRMSettingsRule::NeverTaken:
-            break;
+    if (rule == ZRMSettingsRule::HttpUrl) {
+        return isNoUrlOrHttp(text);
     }
-    return false;
+    if (rule == ZRMSettingsRule::ISO8601Duration) {
+        return zrm_timeIntervalFromISO8601DurationString(text) != kZRMUnknownTimeInterval;
+    }
+    return rule == ZRMSettingsRule::NonEmptyText && !text.empty();
 }
 
 // Calls back with each entry that the table knows and may take, and whether it keeps its rule.
