@@ -21,9 +21,9 @@ class ZRMStatisticsStoreQueue {
     void add(const std::shared_ptr<ZRMStatisticBaseOperation>& operation);
     void addBlock(std::function<void()> block);
 
-    // So many operations may wait before those that bring events are to wait too: some tens of
-    // milliseconds' work, and half a mebibyte.
-    static constexpr std::size_t kMaxWaiting = 512;
+    // So many operations may wait before more events are to wait: a commit's fill behind the one
+    // under way, together a few tens of milliseconds' work.
+    static constexpr std::size_t kMaxWaiting = ZRMStatisticsSaveGroup::kMaxOperations;
     // Where more wait, true, and the block is called when they have run.
     bool awaitRoom(std::function<void()> block);
 
