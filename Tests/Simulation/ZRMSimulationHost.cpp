@@ -1,4 +1,5 @@
 // What the host does in a simulation.
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -20,7 +21,7 @@ constexpr int kCallsWithinAStep = 4;
 
 }  // namespace
 
-// Unlike every other one of the run; so many characters of ASCII at most.
+// Unlike every other one of the run; filled up to so many characters now and then.
 std::string ZRMSimulation::token(std::size_t longest) {
     std::string text = "t" + std::to_string(++reports_) + "-";
     const auto pieces = random_.below(6);
@@ -31,7 +32,7 @@ std::string ZRMSimulation::token(std::size_t longest) {
         text += '\0';
     }
     if (random_.oneIn(20)) {
-        text.append(longest - text.size(), 'x');
+        text.resize(std::max(longest, text.size()), 'x');
     }
     return text;
 }
