@@ -24,29 +24,20 @@ bool isUtc(std::string_view timeZone) {
 
 }  // namespace
 
-// ICU's formatters keep state while they work; the mutex guards it.
+// ICU's formatters keep state while they work; the mutex guards it. Making one reads much of ICU's
+// data, so it is made when something is first asked of it.
 class ZRMDateFormatter::IcuFormat {
   public:
-    IcuFormat(std::string_view pattern, std::string_view timeZone, std::string_view locale) {
-        UErrorCode status = U_ZERO_ERROR;
-        const icu::Locale icuLocale(std::string(locale).c_str());
-        auto format =
-            std::make_unique<icu::SimpleDateFormat>(zrm_unicodeString(pattern), icuLocale, status);
-        auto calendar = std::make_unique<icu::GregorianCalendar>(
-            icu::TimeZone::createTimeZone(zrm_unicodeString(timeZone)), icuLocale, status);
-        // Only without ICU's data is there none; dates are then neither written nor read.
-        if (U_SUCCESS(status)) {
-            format->adoptCalendar(calendar.release());
-            format->setLenient(false);
-            format_ = std::move(format);
-        }
-    }
+    IcuFormat(std::string_view pattern, std::string_view timeZone, std::string_view locale)
+        : pattern_(pattern), timeZone_(timeZone), locale_(locale) {}
 
     std::string stringFromMilliseconds(double milliseconds) {
         icu::UnicodeString text;
-        if (format_) {
+        {
             const ZRMLockGuard lock(mutex_);
-            format_->format(milliseconds, text);
+            if (auto* const format = made()) {
+                format->format(milliseconds, text);
+            }
         }
         std::string utf8;
         text.toUTF8String(utf8);
@@ -57,9 +48,11 @@ class ZRMDateFormatter::IcuFormat {
         const auto unicode = zrm_unicodeString(text);
         icu::ParsePosition position(0);
         UDate milliseconds = 0;
-        if (format_) {
+        {
             const ZRMLockGuard lock(mutex_);
-            milliseconds = format_->parse(unicode, position);
+            if (auto* const format = made()) {
+                milliseconds = format->parse(unicode, position);
+            }
         }
         const bool isWhole = position.getErrorIndex() < 0 && position.getIndex() > 0 &&
                              position.getIndex() == unicode.length();
@@ -67,9 +60,36 @@ class ZRMDateFormatter::IcuFormat {
     }
 
   private:
+    using Format = std::unique_ptr<icu::SimpleDateFormat>;
+
+    // Null without ICU's data: dates are then neither written nor read.
+    icu::SimpleDateFormat* made() ZRM_REQUIRES(mutex_) {
+        if (!format_) {
+            format_ = make();
+        }
+        return format_->get();
+    }
+
+    [[nodiscard]] Format make() const {
+        UErrorCode status = U_ZERO_ERROR;
+        const icu::Locale icuLocale(locale_.c_str());
+        auto format =
+            std::make_unique<icu::SimpleDateFormat>(zrm_unicodeString(pattern_), icuLocale, status);
+        auto calendar = std::make_unique<icu::GregorianCalendar>(
+            icu::TimeZone::createTimeZone(zrm_unicodeString(timeZone_)), icuLocale, status);
+        if (U_FAILURE(status)) {
+            return nullptr;
+        }
+        format->adoptCalendar(calendar.release());
+        format->setLenient(false);
+        return format;
+    }
+
+    const std::string pattern_;
+    const std::string timeZone_;
+    const std::string locale_;
     ZRMMutex mutex_;
-    std::unique_ptr<icu::SimpleDateFormat> format_
-        ZRM_PT_GUARDED_BY(mutex_);  // absent when ICU refused
+    std::optional<Format> format_ ZRM_GUARDED_BY(mutex_);  // absent until it was needed
 };
 
 ZRMDateFormatter::ZRMDateFormatter(std::string_view pattern, std::string_view timeZone,

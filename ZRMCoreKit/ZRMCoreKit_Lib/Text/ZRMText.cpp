@@ -53,11 +53,27 @@ std::size_t twoByteLength(std::string_view text) {
     return length;
 }
 
+// Most texts are ASCII, whose mapping needs no tables.
+std::string mappedAscii(std::string_view text, char first, char last) {
+    constexpr char kCaseBit = 0x20;
+    std::string mapped(text);
+    for (auto& character : mapped) {
+        if (character >= first && character <= last) {
+            character = static_cast<char>(character ^ kCaseBit);
+        }
+    }
+    return mapped;
+}
+
 bool isControl(UChar32 character) {
     return character >= 0 && (U_GET_GC_MASK(character) & (U_GC_CC_MASK | U_GC_CF_MASK)) != 0;
 }
 
 }  // namespace
+
+bool zrm_isAscii(std::string_view text) {
+    return asciiLength(text) == text.size();
+}
 
 bool zrm_isValidUtf8(std::string_view text) {
     while (!text.empty()) {
@@ -128,12 +144,18 @@ std::string_view zrm_trimmedControlCharacters(std::string_view text) {
 }
 
 std::string zrm_lowercasedText(std::string_view text) {
+    if (zrm_isAscii(text)) {
+        return mappedAscii(text, 'A', 'Z');
+    }
     std::string lowered;
     zrm_unicodeString(text).toLower(icu::Locale::getRoot()).toUTF8String(lowered);
     return lowered;
 }
 
 std::string zrm_uppercasedText(std::string_view text) {
+    if (zrm_isAscii(text)) {
+        return mappedAscii(text, 'a', 'z');
+    }
     std::string uppered;
     zrm_unicodeString(text).toUpper(icu::Locale::getRoot()).toUTF8String(uppered);
     return uppered;

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+[[nodiscard]] bool zrm_isAscii(std::string_view text);
+
 // Whether the bytes are well-formed UTF-8: no overlong forms, no surrogates, nothing above
 // U+10FFFF.
 [[nodiscard]] bool zrm_isValidUtf8(std::string_view text);

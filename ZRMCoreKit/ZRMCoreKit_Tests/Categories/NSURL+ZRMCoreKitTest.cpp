@@ -1,3 +1,8 @@
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
 #include <gtest/gtest.h>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSRegularExpression/NSRegularExpression+ZRMCoreKit.h"
@@ -48,6 +53,36 @@ TEST(ZRMHttpUrl, TheEntityInThePatternAdmitsItsLetters) {
     EXPECT_TRUE(zrm_isValidHttpUrlString("https://example.com/&amp;"));
     EXPECT_TRUE(zrm_isValidHttpUrlString("https://example.com/;"));
     EXPECT_FALSE(zrm_isValidHttpUrlString("https://example.com/|"));
+}
+
+TEST(ZRMHttpUrl, TheQuickCheckAgreesWithTheExpression) {
+    constexpr std::array<std::string_view, 30> kPieces = {
+        "http://", "https://", "HTTPS://", "http:/", "http", "://", "a",  "b.",  ".co",   ".com",
+        ".c",      ".c0",      "1",        "-",      ".",    ":",   "80", ":80", "/",     "?",
+        "#",       "=",        ";",        "\\",     "_",    "'",   "|",  "@",   "&amp;", "~%$+,"};
+    std::uint64_t state = 1;
+    int matches = 0;
+    for (int round = 0; round < 20000; ++round) {
+        std::string text = round % 2 == 0 ? "" : "example.com";
+        for (int piece = 0; piece < 1 + round % 9; ++piece) {
+            state = state * 6364136223846793005U + 1442695040888963407U;
+            text += kPieces.at((state >> 33U) % kPieces.size());
+        }
+        const bool isMatch = zrm_fullStringMatch(*zrm_httpUrlRegularExpression(), text);
+        ASSERT_EQ(zrm_isValidHttpUrlString(text), isMatch) << text;
+        matches += isMatch ? 1 : 0;
+    }
+    EXPECT_GT(matches, 500);
+    EXPECT_LT(matches, 19500);
+}
+
+TEST(ZRMHttpUrl, LettersBeyondAsciiThatFoldToTheExpressionsCountAsTheseDo) {
+    for (const auto* text : {"http\u017F://example.com", "example.\u212Aom", "example.com/\u017F",
+                             "example.com/\u00E4"}) {
+        EXPECT_EQ(zrm_isValidHttpUrlString(text),
+                  zrm_fullStringMatch(*zrm_httpUrlRegularExpression(), text))
+            << text;
+    }
 }
 
 TEST(ZRMHttpUrl, TheSharedExpressionIsMadeOnce) {

@@ -88,6 +88,19 @@ TEST(ZRMText, MapsCaseWithoutRegardToLocale) {
     EXPECT_EQ(zrm_lowercasedText("A\xFF"), "a\xEF\xBF\xBD");
 }
 
+TEST(ZRMText, MapsTheCaseOfAsciiLettersAndOfNothingBesideThem) {
+    EXPECT_EQ(zrm_lowercasedText("@AMZ[`amz{ 0"), "@amz[`amz{ 0");
+    EXPECT_EQ(zrm_uppercasedText("@AMZ[`amz{ 0"), "@AMZ[`AMZ{ 0");
+    EXPECT_EQ(zrm_uppercasedText(std::string_view("a\0b", 3)), std::string_view("A\0B", 3));
+}
+
+TEST(ZRMText, AsciiIsWhatHasNoHighBit) {
+    EXPECT_TRUE(zrm_isAscii(""));
+    EXPECT_TRUE(zrm_isAscii("abcdefghijk\x7F"));
+    EXPECT_FALSE(zrm_isAscii("abcdefghijk\x80"));
+    EXPECT_FALSE(zrm_isAscii("\xC3\xA4"));
+}
+
 TEST(ZRMText, WritesAddressesInLowerCaseHexadecimalWithoutLeadingZeros) {
     EXPECT_EQ(zrm_addressText(nullptr), "0x0");
     EXPECT_EQ(zrm_addressText(reinterpret_cast<const void*>(std::uintptr_t{0xABCDEF})), "0xabcdef");
