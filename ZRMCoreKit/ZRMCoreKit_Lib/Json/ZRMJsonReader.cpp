@@ -3,7 +3,6 @@
 #include <set>
 #include <vector>
 
-#include <boost/json/basic_parser_impl.hpp>
 #include <boost/json/parse.hpp>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Json/ZRMJsonText.h"
@@ -15,78 +14,61 @@ ZRMError failure(const std::string& reason) {
                                      "The data is not valid JSON: " + reason + ".");
 }
 
-// What a parser event tells, which may be written as a list of its parts.
-struct Ignored {
-    template <class... Parts>
-    constexpr Ignored(const Parts&... /*parts*/) {}
-};
-
-// A parser event from which nothing follows.
-struct GoOn {
-    constexpr bool operator()(Ignored /*first*/, Ignored /*second*/ = {},
-                              Ignored /*third*/ = {}) const {
-        return true;
-    }
-};
-
-// Parser events that stop at a member name its object has already.
-class DuplicateNameHandler {
+// Goes over the strings of a JSON text that is known to be well-formed.
+class Strings {
   public:
-    using error_code = boost::json::error_code;
-    using string_view = boost::json::string_view;
+    explicit Strings(std::string_view text) : rest_(text) {}
 
-    static constexpr std::size_t max_object_size = static_cast<std::size_t>(-1);
-    static constexpr std::size_t max_array_size = static_cast<std::size_t>(-1);
-    static constexpr std::size_t max_key_size = static_cast<std::size_t>(-1);
-    static constexpr std::size_t max_string_size = static_cast<std::size_t>(-1);
+    // Stops behind the next string, which it returns with its quotes, or at the next brace,
+    // which it returns. Empty at the end of the text.
+    std::string_view next() {
+        const auto start = std::min(rest_.find_first_of("\"{}"), rest_.size());
+        rest_.remove_prefix(start);
+        const auto token = rest_.substr(0, rest_.starts_with('"') ? stringLength() : 1);
+        rest_.remove_prefix(token.size());
+        return token;
+    }
 
-    static constexpr GoOn on_document_begin{};
-    static constexpr GoOn on_document_end{};
-    bool on_object_begin(error_code&) {
-        names_.emplace_back();
-        return true;
+    // Whether the string that was returned last is a member's name.
+    [[nodiscard]] bool isBeforeColon() const {
+        const auto next = rest_.find_first_not_of(" \t\r\n");
+        return next != std::string_view::npos && rest_[next] == ':';
     }
-    bool on_object_end(std::size_t, error_code&) {
-        names_.pop_back();
-        return true;
-    }
-    static constexpr GoOn on_array_begin{};
-    static constexpr GoOn on_array_end{};
-    bool on_key_part(string_view part, std::size_t, error_code&) {
-        name_.append(part.data(), part.size());
-        return true;
-    }
-    bool on_key(string_view part, std::size_t, error_code& error) {
-        name_.append(part.data(), part.size());
-        const bool isNew = names_.back().insert(std::move(name_)).second;
-        name_.clear();
-        if (!isNew) {
-            error = boost::json::error::syntax;
-        }
-        return isNew;
-    }
-    static constexpr GoOn on_string_part{};
-    static constexpr GoOn on_string{};
-    static constexpr GoOn on_number_part{};
-    static constexpr GoOn on_int64{};
-    static constexpr GoOn on_uint64{};
-    static constexpr GoOn on_double{};
-    static constexpr GoOn on_bool{};
-    static constexpr GoOn on_null{};
-    static constexpr GoOn on_comment_part{};
-    static constexpr GoOn on_comment{};
 
   private:
-    std::vector<std::set<std::string>> names_;  // of the objects that are open
-    std::string name_;
+    [[nodiscard]] std::size_t stringLength() const {
+        std::size_t at = 1;
+        while (rest_[at] != '"') {
+            at += rest_[at] == '\\' ? 2 : 1;
+        }
+        return at + 1;
+    }
+
+    std::string_view rest_;
 };
+
+std::string nameFromToken(std::string_view token) {
+    if (token.find('\\') == std::string_view::npos) {
+        return std::string(token.substr(1, token.size() - 2));
+    }
+    return std::string(boost::json::parse(token).as_string());
+}
 
 // The text is known to be well-formed.
 bool hasDuplicateNames(std::string_view text) {
-    boost::json::basic_parser<DuplicateNameHandler> parser{boost::json::parse_options{}};
-    boost::json::error_code error;
-    parser.write_some(false, text.data(), text.size(), error);
-    return error.failed();
+    std::vector<std::set<std::string>> names;  // of the objects that are open
+    Strings strings(text);
+    for (auto token = strings.next(); !token.empty(); token = strings.next()) {
+        if (token == "{") {
+            names.emplace_back();
+        } else if (token == "}") {
+            names.pop_back();
+        } else if (token.front() == '"' && strings.isBeforeColon() &&
+                   !names.back().insert(nameFromToken(token)).second) {
+            return true;
+        }
+    }
+    return false;
 }
 
 // The parser lets a number beyond the range of a double pass as infinity.

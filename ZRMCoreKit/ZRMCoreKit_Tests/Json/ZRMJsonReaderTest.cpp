@@ -91,7 +91,14 @@ TEST(ZRMJsonReader, RefusesTwoMembersOfOneNameWhenAsked) {
     expectRefused(R"([{"b":{"a":1,"c":[],"a":2}}])", strictly);
     expectRefused(R"({"a":1,"\u0061":2})", strictly);
     expectRefused(R"({"":1,"":2})", strictly);
+    expectRefused("{\"a\" \t\r\n:1,\"a\"\n:2}", strictly);
+    expectRefused(R"({"a\\":1,"b":"}","a\\":2})", strictly);
+    expectRefused(R"({"a\"":1,"a\u0022":2})", strictly);
+    expectRefused(R"({"\u00e4":1,"ä":2})", strictly);
     EXPECT_TRUE(zrm_jsonFromText(R"({"a":{"a":1},"b":[{"a":1},{"a":2}],"A":0})", strictly));
+    EXPECT_TRUE(zrm_jsonFromText(R"({"a":"a","b":["a","a"],"c":"{\"a\":","d":"\\"})", strictly));
+    EXPECT_TRUE(zrm_jsonFromText(R"("a")", strictly));
+    EXPECT_TRUE(zrm_jsonFromText("[]", strictly));
     EXPECT_TRUE(
         zrm_jsonFromText(R"({"a":18446744073709551615,"b":-1.5e3,"c":true,"d":null})", strictly));
 }
