@@ -1,73 +1,76 @@
 #include "ZRMPlatform/Linux/ZRMLinuxLanes.h"
 
-#include <atomic>
-
-#include <boost/asio/io_context.hpp>
-#include <boost/asio/post.hpp>
-#include <boost/asio/strand.hpp>
-
-#include "ZRMPlatform/Linux/ZRMLinuxThread.h"
+#include "ZRMPlatform/Linux/ZRMLinuxWorkers.h"
 #include "ZRMPlatform/Ports/ZRMMutex.h"
 
 namespace {
 
-using WorkContext = boost::asio::io_context;
-
 // Tasks may block on files and keychains; with four workers a few of them do not hold up the rest.
 constexpr int kPoolThreads = 4;
 
-// Threads that serve one context, and the context, which outlive everything: tasks may be under way
-// while the process exits, and exit must not wait for them. A thread that the system refuses is
-// asked for again with the next task.
-class Workers {
-  public:
-    Workers(const char* threadName, int threads)
-        : name_(threadName), context_(threads), missing_(threads) {}
-
-    void ensureStarted() {
-        if (missing_.load(std::memory_order_acquire) == 0) {
-            return;
-        }
-        const ZRMLockGuard lock(starting_);
-        while (missing_ > 0 && zrm_startThread(name_, [this] { context_.run(); })) {
-            --missing_;
-        }
-    }
-
-    WorkContext& context() { return context_; }
-
-  private:
-    const char* name_;
-    WorkContext context_;
-    boost::asio::executor_work_guard<WorkContext::executor_type> endless_{context_.get_executor()};
-    ZRMMutex starting_;
-    std::atomic<int> missing_;
-};
-
-Workers& pool() {
-    static auto* const workers = new Workers("zrm-worker", kPoolThreads);
+ZRMLinuxWorkers& pool() {
+    static auto* const workers = new ZRMLinuxWorkers("zrm-worker", kPoolThreads);
     return *workers;
 }
 
-template <class Executor>
-ZRMLinuxLane laneOver(Workers& workers, Executor executor) {
-    return [&workers, executor](ZRMTask task) {
-        workers.ensureStarted();
-        boost::asio::post(executor, std::move(task));
-    };
-}
+// Tasks that run one at a time and in order, on whichever worker is free.
+class Sequence : public std::enable_shared_from_this<Sequence> {
+  public:
+    void post(ZRMTask task) {
+        {
+            const ZRMLockGuard lock(mutex_);
+            waiting_.push_back(std::move(task));
+            if (std::exchange(isScheduled_, true)) {
+                return;
+            }
+        }
+        schedule();
+    }
+
+  private:
+    void schedule() {
+        pool().post([self = shared_from_this()] { self->run(); });
+    }
+
+    // What came up to now; for what comes meanwhile it goes to the end of the pool's line.
+    void run() {
+        {
+            const ZRMLockGuard lock(mutex_);
+            running_.swap(waiting_);
+        }
+        for (auto& task : running_) {
+            std::exchange(task, nullptr)();
+        }
+        running_.clear();
+        {
+            const ZRMLockGuard lock(mutex_);
+            if (waiting_.empty()) {
+                isScheduled_ = false;
+                return;
+            }
+        }
+        schedule();
+    }
+
+    ZRMMutex mutex_;
+    std::vector<ZRMTask> waiting_ ZRM_GUARDED_BY(mutex_);
+    bool isScheduled_ ZRM_GUARDED_BY(mutex_) = false;
+    std::vector<ZRMTask> running_;  // touched by the one run that is under way
+};
 
 }  // namespace
 
 ZRMLinuxLane zrm_concurrentLane() {
-    return laneOver(pool(), pool().context().get_executor());
+    return [&workers = pool()](ZRMTask task) { workers.post(std::move(task)); };
 }
 
 ZRMLinuxLane zrm_makeSerialLane() {
-    return laneOver(pool(), boost::asio::make_strand(pool().context()));
+    return [sequence = std::make_shared<Sequence>()](ZRMTask task) {
+        sequence->post(std::move(task));
+    };
 }
 
 ZRMLinuxLane zrm_makeThreadLane(const char* threadName) {
-    auto* const workers = new Workers(threadName, 1);  // kept by the lane, for the process's life
-    return laneOver(*workers, workers->context().get_executor());
+    auto* const workers = new ZRMLinuxWorkers(threadName, 1);  // kept by the lane, for ever
+    return [workers](ZRMTask task) { workers->post(std::move(task)); };
 }
