@@ -82,14 +82,15 @@ class TemporaryFile {
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-    int replace(const std::string& target, const ZRMData& bytes) {
+    int replace(const std::string& target, const ZRMData& bytes, bool isSynced) {
         if (!file_.isOpen() || ::fchmod(file_.number(), kFileMode) != 0) {
             return errno;
         }
         if (const int failure = zrm_writeAll(file_.number(), bytes)) {
             return failure;
         }
-        if (::fsync(file_.number()) != 0 || ::rename(path_.c_str(), target.c_str()) != 0) {
+        if ((isSynced && ::fsync(file_.number()) != 0) ||
+            ::rename(path_.c_str(), target.c_str()) != 0) {
             return errno;
         }
         isInPlace_ = true;
@@ -214,13 +215,22 @@ std::optional<ZRMError> ZRMLinuxFileManager::writeFileAtomically(const std::stri
         return unusable(path);
     }
     const auto directory = parentOf(path);
-    if (const int failure = TemporaryFile(directory).replace(path, bytes)) {
+    if (const int failure = TemporaryFile(directory).replace(path, bytes, true)) {
         return zrm_posixError(failure, path);
     }
     if (const int failure = syncDirectory(directory)) {
         return zrm_posixError(failure, directory);
     }
     return std::nullopt;
+}
+
+std::optional<ZRMError> ZRMLinuxFileManager::replaceFileUnsynced(const std::string& path,
+                                                                 const ZRMData& bytes) {
+    if (!isUsable(path)) {
+        return unusable(path);
+    }
+    const int failure = TemporaryFile(parentOf(path)).replace(path, bytes, false);
+    return failure == 0 ? std::nullopt : std::optional(zrm_posixError(failure, path));
 }
 
 std::optional<ZRMError> ZRMLinuxFileManager::removeItem(const std::string& path) {

@@ -16,6 +16,9 @@ class ZRMLinuxFileManager : public ZRMFileManager {
     ZRMResult<ZRMData> readFile(const std::string& path) const override;
     std::optional<ZRMError> writeFileAtomically(const std::string& path,
                                                 const ZRMData& bytes) override;
+    // The same, except that the loss of power may leave the old bytes, or none. Does not wait for
+    // the disk.
+    std::optional<ZRMError> replaceFileUnsynced(const std::string& path, const ZRMData& bytes);
     std::optional<ZRMError> removeItem(const std::string& path) override;
     std::optional<ZRMError> moveItem(const std::string& from, const std::string& to) override;
     ZRMResult<ZRMDate> creationDate(const std::string& path) const override;

@@ -45,8 +45,9 @@ class WriterLock {
 }  // namespace
 
 ZRMLinuxPropertyListFile::ZRMLinuxPropertyListFile(std::string path,
-                                                   std::shared_ptr<ZRMConsoleLog> console)
-    : path_(std::move(path)), console_(std::move(console)) {}
+                                                   std::shared_ptr<ZRMConsoleLog> console,
+                                                   Durability durability)
+    : path_(std::move(path)), console_(std::move(console)), durability_(durability) {}
 
 ZRMResult<ZRMLinuxPropertyList> ZRMLinuxPropertyListFile::read() const {
     auto found = readOnce();
@@ -85,7 +86,8 @@ std::optional<ZRMError> ZRMLinuxPropertyListFile::update(
     if (bytes.empty()) {
         return zrm_posixError(EIO, path_);
     }
-    return files.writeFileAtomically(path_, bytes);
+    return durability_ == Durability::Disk ? files.writeFileAtomically(path_, bytes)
+                                           : files.replaceFileUnsynced(path_, bytes);
 }
 
 ZRMResult<std::optional<ZRMLinuxPropertyList>> ZRMLinuxPropertyListFile::readOnce() const {

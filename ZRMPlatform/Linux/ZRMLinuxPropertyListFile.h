@@ -17,7 +17,12 @@
 // May be used from any thread; every operation may block on the disk and on other writers.
 class ZRMLinuxPropertyListFile {
   public:
-    ZRMLinuxPropertyListFile(std::string path, std::shared_ptr<ZRMConsoleLog> console);
+    // Until when an update() holds: on stable storage, or as long as the system runs, which does
+    // not wait for the disk.
+    enum class Durability { Disk, System };
+
+    ZRMLinuxPropertyListFile(std::string path, std::shared_ptr<ZRMConsoleLog> console,
+                             Durability durability = Durability::Disk);
 
     [[nodiscard]] const std::string& path() const { return path_; }
 
@@ -36,4 +41,5 @@ class ZRMLinuxPropertyListFile {
 
     std::string path_;
     std::shared_ptr<ZRMConsoleLog> console_;
+    Durability durability_;
 };

@@ -49,7 +49,8 @@ std::optional<std::string> read(plist_t node, std::string*) {
 class Suite : public ZRMUserDefaultsSuite {
   public:
     Suite(std::string path, std::shared_ptr<ZRMConsoleLog> console)
-        : file_(std::move(path), console), console_(std::move(console)) {}
+        : file_(std::move(path), console, ZRMLinuxPropertyListFile::Durability::System),
+          console_(std::move(console)) {}
 
     [[nodiscard]] std::optional<double> doubleForKey(const std::string& key) const override {
         return valueOf<double>(key);

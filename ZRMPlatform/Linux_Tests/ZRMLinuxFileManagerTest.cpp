@@ -79,6 +79,16 @@ TEST_F(ZRMLinuxFileManagerTest, NewItemsGetTheirModesWhateverTheUmask) {
     }
 }
 
+TEST_F(ZRMLinuxFileManagerTest, AnUnsyncedReplacementIsTheOldFileOrTheNew) {
+    const auto file = directory_.writeFile("file", "old");
+    EXPECT_EQ(codeOf(files_.replaceFileUnsynced(file, zrm_dataFromText("new bytes"))), 0);
+    EXPECT_EQ(files_.readFile(file).value(), zrm_dataFromText("new bytes"));
+    EXPECT_EQ(zrm_testMode(file), 0600U);
+    EXPECT_EQ(codeOf(files_.replaceFileUnsynced(directory_.path(), {1})), EISDIR);
+    EXPECT_EQ(codeOf(files_.replaceFileUnsynced(directory_.below("none/file"), {1})), ENOENT);
+    EXPECT_EQ(listed(), (std::vector<std::string>{"file"}));
+}
+
 TEST_F(ZRMLinuxFileManagerTest, TellsFilesFromDirectories) {
     const auto file = directory_.writeFile("file", "x");
     EXPECT_TRUE(files_.fileExists(file));
