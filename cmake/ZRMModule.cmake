@@ -1,7 +1,9 @@
 # One target a module. A module names its sources and the modules it may know; nothing else links.
 #
-#   zrm_add_module(corekit SOURCES a.cpp b.cpp PUBLIC zrm::ports PRIVATE ZLIB::ZLIB)
+#   zrm_add_module(corekit SOURCES a.cpp b.cpp FAST b.cpp PUBLIC zrm::ports PRIVATE ZLIB::ZLIB)
 #   zrm_add_tests(corekit SOURCES aTest.cpp DEPENDS zrm::corekit)
+#
+# FAST names the sources that are compiled for speed where the library is compiled for size.
 
 # gcc accepts a precompiled header only under the very same macros, which differ between modules.
 set(ZRM_USE_PCH OFF)
@@ -16,7 +18,7 @@ if(ZRM_USE_PCH)
 endif()
 
 function(zrm_add_module NAME)
-  cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "SOURCES;FAST;PUBLIC;PRIVATE" ${ARGN})
   add_library(zrm_${NAME} STATIC ${ARG_SOURCES})
   add_library(zrm::${NAME} ALIAS zrm_${NAME})
   target_link_libraries(zrm_${NAME} PUBLIC ${ARG_PUBLIC} PRIVATE zrm_options ${ARG_PRIVATE})
@@ -24,6 +26,7 @@ function(zrm_add_module NAME)
   if(ZRM_USE_PCH)
     target_precompile_headers(zrm_${NAME} REUSE_FROM zrm_pch)
   endif()
+  zrm_compact_module(zrm_${NAME} "${ARG_FAST}")
   set_property(GLOBAL APPEND PROPERTY ZRM_MODULES ${NAME})
 endfunction()
 
