@@ -7,7 +7,6 @@ if(ZRM_COMPACT AND NOT CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
 endif()
 
 # Fat objects: the programs and the static library take the machine code, the shared library the rest.
-# With deallocation that is told no size, the control blocks of most shared pointers share their code.
 set(ZRM_COMPACT_OPTIONS -Oz -fno-sized-deallocation -flto=auto -ffat-lto-objects -ffunction-sections
   -fdata-sections)
 
