@@ -27,7 +27,10 @@ std::shared_ptr<ZRMStatisticsServiceImpl> statisticsService() {
 }  // namespace
 
 ZRMSimulation::ZRMSimulation(std::uint64_t seed)
-    : seed_(seed), random_(seed), server_(device_, ledger_, random_) {
+    : seed_(seed),
+      random_(seed),
+      // What the log says of the start comes before what the start sends.
+      server_(device_, ledger_, random_, [this] { readLog(); }) {
     const auto model = ZRMLinuxFileManager().readFile(
         ZRM_SOURCE_DIR
         "/ZRMStatistics/Resources/ZRMStatisticsResources.bundle/ZRMStatisticsModel.json");

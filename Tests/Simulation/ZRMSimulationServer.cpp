@@ -1,6 +1,7 @@
 #include "Tests/Simulation/ZRMSimulationServer.h"
 
 #include <array>
+#include <utility>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSDateFormatter/NSDateFormatter+ZRMCoreKit.h"
 
@@ -13,8 +14,9 @@ constexpr double kDaySeconds = 86400;
 }  // namespace
 
 ZRMSimulationServer::ZRMSimulationServer(ZRMSimulatedDevice& device, ZRMSimulationLedger& ledger,
-                                         ZRMSimulationRandom& random)
-    : device_(device), ledger_(ledger), random_(random) {
+                                         ZRMSimulationRandom& random,
+                                         std::function<void()> beforeUpload)
+    : device_(device), ledger_(ledger), random_(random), beforeUpload_(std::move(beforeUpload)) {
     device_.network().handle(kPath,
                              [this](const ZRMUrlRequest& request) { return answer(request); });
     device_.network().handleEverything([this](const ZRMUrlRequest&) { return answerInMood(); });
@@ -143,6 +145,7 @@ void ZRMSimulationServer::noteUploadsBefore(std::size_t end) {
 
 void ZRMSimulationServer::note(const ZRMUrlRequest& request, const ZRMSimulationReply& reply) {
     ++uploads_;
+    beforeUpload_();
     ledger_.clockReads(device_.now().secondsSince1970);
     if (request.body) {
         ledger_.uploadBegan(*request.body, reply, device_.clock().uptimeSeconds());

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "Tests/Simulation/ZRMSimulationLedger.h"
@@ -11,8 +12,9 @@
 // Answers uploads and tells the ledger of each; lives as long as the device. One thread.
 class ZRMSimulationServer {
   public:
+    // `beforeUpload` is called before the ledger is told of one.
     ZRMSimulationServer(ZRMSimulatedDevice& device, ZRMSimulationLedger& ledger,
-                        ZRMSimulationRandom& random);
+                        ZRMSimulationRandom& random, std::function<void()> beforeUpload);
 
     void changeMood();
     // Answers 200 at once from now on, with the device's own time.
@@ -37,6 +39,7 @@ class ZRMSimulationServer {
     ZRMSimulatedDevice& device_;
     ZRMSimulationLedger& ledger_;
     ZRMSimulationRandom& random_;
+    const std::function<void()> beforeUpload_;
     Mood mood_ = Mood::Good;
     Clock serverClock_ = Clock::Right;
     std::uint64_t uploads_ = 0;
