@@ -79,6 +79,7 @@ ZRMUrlErrorCode zrm_urlErrorCode(const ZRMLinuxUrlFailure& failure) {
             return ZRMUrlErrorHttpTooManyRedirects;
         case CURLE_WEIRD_SERVER_REPLY:
         case CURLE_BAD_CONTENT_ENCODING:
+        case CURLE_BAD_FUNCTION_ARGUMENT:  // a header line that libcurl cannot take
             return ZRMUrlErrorBadServerResponse;
         case CURLE_FILESIZE_EXCEEDED:
             return ZRMUrlErrorDataLengthExceedsMaximum;

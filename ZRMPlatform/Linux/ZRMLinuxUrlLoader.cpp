@@ -9,7 +9,6 @@
 
 namespace {
 
-constexpr std::size_t kIdleHandles = 8;
 constexpr long kIdleConnections = 16;
 
 }  // namespace
@@ -90,11 +89,14 @@ void ZRMLinuxUrlLoader::begin(std::shared_ptr<ZRMLinuxUrlJob> job) {
         job->end({{}, std::nullopt, std::move(*refusal)});
         return;
     }
-    CURL* const handle = takeHandle();
+    // A fresh one each time: libcurl 7.88 keeps a pointer to the last header of a handle's exchange
+    // beyond the header's end, and writes there when the next answer begins with a folded line.
+    CURL* const handle = curl_easy_init();
     if (handle == nullptr) {
         job->end({{}, std::nullopt, zrm_urlError(ZRMUrlErrorUnknown)});
         return;
     }
+    curl_easy_setopt(handle, CURLOPT_SHARE, share_);
     const auto* const key = job.get();
     transfers_[key] = std::make_unique<ZRMLinuxUrlTransfer>(std::move(job), handle);
     curl_multi_add_handle(multi_, handle);
@@ -138,27 +140,9 @@ int ZRMLinuxUrlLoader::millisecondsToNextDeadline() const {
     return static_cast<int>(std::max(wait, milliseconds(0)).count());
 }
 
-CURL* ZRMLinuxUrlLoader::takeHandle() {
-    if (!idleHandles_.empty()) {
-        CURL* const idle = idleHandles_.back();
-        idleHandles_.pop_back();
-        return idle;
-    }
-    CURL* const handle = curl_easy_init();
-    if (handle != nullptr) {
-        curl_easy_setopt(handle, CURLOPT_SHARE, share_);
-    }
-    return handle;
-}
-
 void ZRMLinuxUrlLoader::drop(Transfers::iterator found) {
     CURL* const handle = found->second->handle();
     curl_multi_remove_handle(multi_, handle);
-    curl_easy_reset(handle);
+    curl_easy_cleanup(handle);
     transfers_.erase(found);
-    if (idleHandles_.size() < kIdleHandles) {
-        idleHandles_.push_back(handle);
-    } else {
-        curl_easy_cleanup(handle);
-    }
 }

@@ -37,8 +37,7 @@ class ZRMLinuxUrlLoader {
     void takeVerdicts();
     void giveUpLateTransfers();
     [[nodiscard]] int millisecondsToNextDeadline() const;
-    [[nodiscard]] CURL* takeHandle();
-    // Lets go of the transfer and keeps its handle for the next one.
+    // Lets go of the transfer and its handle; the connection is kept for the next one.
     void drop(Transfers::iterator found);
 
     ZRMMutex mutex_;
@@ -49,5 +48,4 @@ class ZRMLinuxUrlLoader {
     CURLSH* share_;
     // The rest belongs to the network thread.
     Transfers transfers_;
-    std::vector<CURL*> idleHandles_;
 };

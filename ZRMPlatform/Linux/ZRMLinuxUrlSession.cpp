@@ -78,8 +78,10 @@ ZRMLinuxUrlSessionFactory::ZRMLinuxUrlSessionFactory(
     std::shared_ptr<const ZRMLinuxRoutes> routes)
     : executor_(std::move(executor)),
       trust_(std::make_shared<ZRMLinuxUrlTrust>(
-          ZRMLinuxUrlTrust{std::move(certificateAuthorityFile), connectToList(resolveOverrides),
-                           std::move(routes)})) {}
+          ZRMLinuxUrlTrust{certificateAuthorityFile.empty()
+                               ? zrm_systemAuthorities()
+                               : ZRMLinuxAuthorities{std::move(certificateAuthorityFile), {}},
+                           connectToList(resolveOverrides), std::move(routes)})) {}
 
 std::shared_ptr<ZRMUrlSession> ZRMLinuxUrlSessionFactory::makeSession(
     const ZRMUrlSessionConfiguration& configuration) {

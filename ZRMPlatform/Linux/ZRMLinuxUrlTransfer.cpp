@@ -126,10 +126,12 @@ void ZRMLinuxUrlTransfer::setUpTrust() {
     curl_easy_setopt(handle_, CURLOPT_SSL_VERIFYPEER, 1L);
     curl_easy_setopt(handle_, CURLOPT_SSL_VERIFYHOST, 2L);
     const auto& trust = *job_->trust;
-    if (!trust.certificateAuthorityFile.empty()) {
-        curl_easy_setopt(handle_, CURLOPT_CAINFO, trust.certificateAuthorityFile.c_str());
-        curl_easy_setopt(handle_, CURLOPT_CAPATH, nullptr);  // else the system's stay trusted
-    }
+    // Both, else what libcurl was built with stays trusted as well.
+    const auto orNone = [](const std::string& text) {
+        return text.empty() ? nullptr : text.c_str();
+    };
+    curl_easy_setopt(handle_, CURLOPT_CAINFO, orNone(trust.authorities.file));
+    curl_easy_setopt(handle_, CURLOPT_CAPATH, orNone(trust.authorities.directory));
     if (trust.connectTo) {
         curl_easy_setopt(handle_, CURLOPT_CONNECT_TO, trust.connectTo.get());
     }
@@ -176,6 +178,7 @@ bool ZRMLinuxUrlTransfer::takeHeadLine(std::string_view line) {
     lastProgress_ = Clock::now();
     if (line.starts_with("HTTP/")) {
         head_ = {};
+        lastName_.clear();
         headBytes_ = 0;
         isHeadOpen_ = true;
     }
@@ -187,7 +190,7 @@ bool ZRMLinuxUrlTransfer::takeHeadLine(std::string_view line) {
     if (!isHeadOpen_) {
         return true;
     }
-    if (trimmedField(line).empty()) {
+    if (line.starts_with('\r') || line.starts_with('\n')) {
         isHeadOpen_ = false;
         long status = 0;
         curl_easy_getinfo(handle_, CURLINFO_RESPONSE_CODE, &status);
@@ -197,15 +200,32 @@ bool ZRMLinuxUrlTransfer::takeHeadLine(std::string_view line) {
         }
         return true;
     }
-    const auto colon = line.find(':');
-    if (!line.starts_with("HTTP/") && colon != std::string_view::npos) {
-        const auto name = trimmedField(line.substr(0, colon));
-        const auto value = trimmedField(line.substr(colon + 1));
-        const auto* const earlier = head_.headers.find(name);
-        head_.headers.set(
-            name, earlier == nullptr ? std::string(value) : *earlier + ", " + std::string(value));
+    if (!line.starts_with("HTTP/")) {
+        takeField(line);
     }
     return true;
+}
+
+// A line that begins with a blank goes on with the value before it (RFC 9112, section 5.2).
+void ZRMLinuxUrlTransfer::takeField(std::string_view line) {
+    const auto append = [this](std::string_view separator, std::string_view more) {
+        const auto* const earlier = head_.headers.find(lastName_);
+        const bool isFirst = earlier == nullptr || (earlier->empty() && separator == " ");
+        head_.headers.set(lastName_, isFirst
+                                         ? std::string(more)
+                                         : *earlier + std::string(separator) + std::string(more));
+    };
+    const bool isFolded = line.starts_with(' ') || line.starts_with('\t');
+    const auto colon = line.find(':');
+    if (isFolded) {
+        const auto more = trimmedField(line);
+        if (!lastName_.empty() && !more.empty()) {
+            append(" ", more);
+        }
+    } else if (colon != std::string_view::npos) {
+        lastName_ = trimmedField(line.substr(0, colon));
+        append(", ", trimmedField(line.substr(colon + 1)));
+    }
 }
 
 bool ZRMLinuxUrlTransfer::takeBody(std::string_view bytes) {

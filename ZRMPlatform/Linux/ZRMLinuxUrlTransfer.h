@@ -11,6 +11,7 @@
 
 #include <curl/curl.h>
 
+#include "ZRMPlatform/Linux/ZRMLinuxAuthorities.h"
 #include "ZRMPlatform/Linux/ZRMLinuxRoutes.h"
 #include "ZRMPlatform/Ports/ZRMQueue.h"
 #include "ZRMPlatform/Ports/ZRMUrlSession.h"
@@ -19,7 +20,7 @@ using ZRMLinuxCurlList = std::unique_ptr<curl_slist, decltype(&curl_slist_free_a
 
 // What every exchange of one factory goes by. Immutable.
 struct ZRMLinuxUrlTrust {
-    std::string certificateAuthorityFile;  // empty: the system's
+    ZRMLinuxAuthorities authorities;
     ZRMLinuxCurlList connectTo{nullptr, &curl_slist_free_all};
     std::shared_ptr<const ZRMLinuxRoutes> routes;
 };
@@ -46,7 +47,7 @@ class ZRMLinuxUrlTransfer {
     // Bytes of a response's head.
     static constexpr std::size_t kMaximumHeadBytes = std::size_t{256} * 1024;
 
-    // Sets up the handle, which has to be fresh or reset and has to outlive the transfer.
+    // Sets up the handle, which has to be fresh and has to outlive the transfer's callbacks.
     ZRMLinuxUrlTransfer(std::shared_ptr<ZRMLinuxUrlJob> job, CURL* handle);
     ZRMLinuxUrlTransfer(const ZRMLinuxUrlTransfer&) = delete;
     ZRMLinuxUrlTransfer& operator=(const ZRMLinuxUrlTransfer&) = delete;
@@ -69,6 +70,7 @@ class ZRMLinuxUrlTransfer {
     void setUpHeaders();
     void setUpTrust();
     bool takeHeadLine(std::string_view line);
+    void takeField(std::string_view line);
     bool takeBody(std::string_view bytes);
     [[nodiscard]] ZRMError errorOf(CURLcode verdict) const;
     void end(std::optional<ZRMError> error);
@@ -81,7 +83,8 @@ class ZRMLinuxUrlTransfer {
     Clock::time_point lastProgress_ = start_;
     curl_off_t uploaded_ = 0;
 
-    ZRMUrlResponse head_;  // being received
+    ZRMUrlResponse head_;   // being received
+    std::string lastName_;  // of its fields
     std::size_t headBytes_ = 0;
     bool isHeadOpen_ = false;
     ZRMUrlExchange exchange_;

@@ -57,6 +57,7 @@ INSTANTIATE_TEST_SUITE_P(
         NamedCase{"PartialFile", CURLE_PARTIAL_FILE, 0, ZRMUrlErrorNetworkConnectionLost},
         NamedCase{"Redirects", CURLE_TOO_MANY_REDIRECTS, 0, ZRMUrlErrorHttpTooManyRedirects},
         NamedCase{"Malformed", CURLE_URL_MALFORMAT, 0, ZRMUrlErrorBadUrl},
+        NamedCase{"HeaderLine", CURLE_BAD_FUNCTION_ARGUMENT, 0, ZRMUrlErrorBadServerResponse},
         NamedCase{"NoHttp", CURLE_UNSUPPORTED_PROTOCOL, 0, ZRMUrlErrorBadServerResponse},
         NamedCase{"WeirdReply", CURLE_WEIRD_SERVER_REPLY, 0, ZRMUrlErrorBadServerResponse},
         NamedCase{"BadEncoding", CURLE_BAD_CONTENT_ENCODING, 0, ZRMUrlErrorBadServerResponse},

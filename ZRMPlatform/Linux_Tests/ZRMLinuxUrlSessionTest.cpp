@@ -379,6 +379,50 @@ TEST_F(ZRMLinuxUrlSessionTest, AnInterimAnswerIsPassedOver) {
     EXPECT_EQ(zrm_textFromData(exchange.data), "late");
 }
 
+TEST_F(ZRMLinuxUrlSessionTest, AFoldedLineGoesOnWithTheValueBeforeIt) {
+    const ZRMTestHttpServer server(answering(zrm_testHttpAnswer(
+        200, "hello", "X-Folded: one\r\n two\r\n\tthree: 3\r\n \r\nX-Late:\r\n value\r\n")));
+    const auto exchange = load(*factory(), get(server.url("/")));
+    ASSERT_EQ(codeOf(exchange), 0);
+    const auto& headers = exchange.response->headers;
+    EXPECT_EQ(*headers.find("X-Folded"), "one two three: 3");
+    EXPECT_EQ(*headers.find("X-Late"), "value");
+    EXPECT_EQ(headers.find("three"), nullptr);
+    EXPECT_EQ(zrm_textFromData(exchange.data), "hello");
+}
+
+TEST_F(ZRMLinuxUrlSessionTest, ARedirectMayBeFolded) {
+    const ZRMTestHttpServer server(
+        [](const ZRMTestHttpRequest& request, ZRMTestConnection& connection) {
+            return connection.write(
+                request.path() == "/old"
+                    ? zrm_testHttpAnswer(302, "", "X-Way: on\r\n the way\r\nLocation: /new\r\n")
+                    : zrm_testHttpAnswer(200, "there", "X-There: yes\r\n and no\r\n"));
+        });
+    const auto sessions = factory();
+    for (int time = 0; time < 2; ++time) {
+        const auto exchange = load(*sessions, get(server.url("/old")));
+        ASSERT_EQ(codeOf(exchange), 0);
+        EXPECT_EQ(*exchange.response->headers.find("X-There"), "yes and no");
+        EXPECT_EQ(exchange.response->headers.find("X-Way"), nullptr);
+    }
+}
+
+// libcurl would put the line behind the last header of the exchange before, where its memory was.
+TEST_F(ZRMLinuxUrlSessionTest, AFirstHeaderThatIsFoldedIsABadResponseAfterAnyOtherExchange) {
+    const ZRMTestHttpServer server(
+        [](const ZRMTestHttpRequest& request, ZRMTestConnection& connection) {
+            return connection.write(zrm_testHttpAnswer(
+                200, "", request.path() == "/folded" ? " folded: first\r\n" : "X-Sound: yes\r\n"));
+        });
+    const auto sessions = factory();
+    for (int time = 0; time < 3; ++time) {
+        EXPECT_EQ(codeOf(load(*sessions, get(server.url("/sound")))), 0);
+        EXPECT_EQ(codeOf(load(*sessions, get(server.url("/folded")))),
+                  ZRMUrlErrorBadServerResponse);
+    }
+}
+
 TEST_F(ZRMLinuxUrlSessionTest, CancellingAnExchangeUnderWayEndsItOnce) {
     const ZRMTestHttpServer server(&neverAnswer);
     const auto sessions = factory();

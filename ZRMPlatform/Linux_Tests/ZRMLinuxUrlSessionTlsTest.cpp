@@ -1,5 +1,10 @@
-#include <gtest/gtest.h>
+#include <array>
+#include <cstdio>
 
+#include <gtest/gtest.h>
+#include <openssl/x509.h>
+
+#include "ZRMPlatform/Linux/ZRMLinuxUrlLoader.h"
 #include "ZRMPlatform/Linux_Tests/ZRMLinuxUrlSessionFixture.h"
 #include "ZRMPlatform/Linux_Tests/ZRMTestDirectory.h"
 
@@ -21,6 +26,25 @@ class ZRMLinuxUrlSessionTlsTest : public ZRMLinuxUrlSessionFixture {
     std::shared_ptr<ZRMLinuxUrlSessionFactory> trusting(
         const std::vector<std::string>& overrides = {}) {
         return factory(authorityFile_, overrides);
+    }
+
+    // One exchange with a server of that identity.
+    ZRMUrlExchange loadTrusting(const ZRMLinuxAuthorities& authorities,
+                                const ZRMTestIdentity& identity) {
+        const auto server = serve({identity});
+        const auto job = std::make_shared<ZRMLinuxUrlJob>();
+        job->request = get(server->url("/"));
+        job->trust = std::make_shared<ZRMLinuxUrlTrust>(
+            ZRMLinuxUrlTrust{authorities,
+                             {nullptr, &curl_slist_free_all},
+                             std::make_shared<ZRMLinuxKernelRoutes>()});
+        job->deliveryQueue = executor_->concurrentQueue(ZRMQualityOfService::Default);
+        const auto exchange = std::make_shared<ZRMTestExchange>();
+        job->completion = [exchange](ZRMUrlExchange result) {
+            exchange->arrived.change([&](auto& held) { held.push_back(std::move(result)); });
+        };
+        ZRMLinuxUrlLoader::shared().start(job);
+        return exchange->wait();
     }
 
     ZRMTestDirectory directory_;
@@ -51,6 +75,37 @@ TEST_F(ZRMLinuxUrlSessionTlsTest, TheSystemsAuthoritiesDoNotKnowTheTestsOne) {
     const auto server = serve({identity_});
     EXPECT_EQ(codeOf(load(*factory(), get(server->url("/")))),
               ZRMUrlErrorServerCertificateUntrusted);
+}
+
+TEST_F(ZRMLinuxUrlSessionTlsTest, ADirectoryOfHashedNamesIsAskedInsteadOfTheFileOfAll) {
+    std::array<char, 16> name{};
+    std::snprintf(name.data(), name.size(), "%08lx.0",
+                  X509_subject_name_hash(authority_.certificate.get()));
+    directory_.writeFile(std::string("certs/") + name.data(), authority_.certificatePem());
+    directory_.writeFile("certs/README", "");
+    const auto authorities =
+        zrm_preferredAuthorities({directory_.below("none.pem"), directory_.below("certs")});
+    EXPECT_EQ(authorities.file, "");
+    EXPECT_EQ(authorities.directory, directory_.below("certs"));
+    const auto other = zrm_makeTestAuthority("other authority");
+    EXPECT_EQ(codeOf(loadTrusting(authorities, identity_)), 0);
+    EXPECT_EQ(
+        codeOf(loadTrusting(authorities, zrm_makeTestServerIdentity(other, {"IP:127.0.0.1"}))),
+        ZRMUrlErrorServerCertificateUntrusted);
+}
+
+TEST_F(ZRMLinuxUrlSessionTlsTest, ADirectoryWithoutHashedNamesLeavesTheFileOfAll) {
+    directory_.writeFile("certs/authority.pem", authority_.certificatePem());
+    directory_.writeFile("certs/1d3472bg.0", "");
+    directory_.writeFile("certs/1d3472b9.r0", "");
+    for (const char* directory : {"certs", "missing"}) {
+        const auto authorities =
+            zrm_preferredAuthorities({authorityFile_, directory_.below(directory)});
+        EXPECT_EQ(authorities.file, authorityFile_);
+        EXPECT_EQ(authorities.directory, directory_.below(directory));
+        EXPECT_EQ(codeOf(loadTrusting(authorities, identity_)), 0);
+    }
+    EXPECT_EQ(zrm_preferredAuthorities({authorityFile_, {}}).file, authorityFile_);
 }
 
 TEST_F(ZRMLinuxUrlSessionTlsTest, TrustOfOneFactoryDoesNotReachAnotherOverASharedConnection) {
