@@ -7,7 +7,7 @@
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Json/ZRMJson.h"
 
 struct ZRMFigure {
-    enum class Must { BeAtMost, BeAtLeast };
+    enum class Must { BeAtMost, BeAtLeast, BeKnown };  // the last without a target
 
     std::string name;
     double value = 0;
@@ -16,10 +16,8 @@ struct ZRMFigure {
     Must must = Must::BeAtMost;
 
     // Never for a value that is no number.
-    [[nodiscard]] bool isMet() const {
-        return must == Must::BeAtMost ? value <= target : value >= target;
-    }
-    // Such as "<= 2.5".
+    [[nodiscard]] bool isMet() const;
+    // Such as "<= 2.5"; "-" without a target.
     [[nodiscard]] std::string targetText() const;
 };
 

@@ -13,6 +13,7 @@ ZRMFigure figure(double value, double target, ZRMFigure::Must must) {
 
 constexpr auto kAtMost = ZRMFigure::Must::BeAtMost;
 constexpr auto kAtLeast = ZRMFigure::Must::BeAtLeast;
+constexpr auto kKnown = ZRMFigure::Must::BeKnown;
 
 }  // namespace
 
@@ -28,10 +29,17 @@ TEST(ZRMFigure, AtLeastIsMetFromTheTargetOn) {
     EXPECT_TRUE(figure(15001, 15000, kAtLeast).isMet());
 }
 
+TEST(ZRMFigure, WithoutATargetANumberIsEnough) {
+    EXPECT_TRUE(figure(24, 0, kKnown).isMet());
+    EXPECT_EQ(figure(24, 0, kKnown).targetText(), "-");
+    EXPECT_TRUE(zrm_tableLine(figure(24, 0, kKnown)).ends_with(" us       -          -\n"));
+}
+
 TEST(ZRMFigure, WhatIsNoNumberIsNeverMet) {
     const auto nan = std::numeric_limits<double>::quiet_NaN();
     EXPECT_FALSE(figure(nan, 50, kAtMost).isMet());
     EXPECT_FALSE(figure(nan, 50, kAtLeast).isMet());
+    EXPECT_FALSE(figure(nan, 0, kKnown).isMet());
 }
 
 TEST(ZRMFigure, TargetTellsItsDirection) {
