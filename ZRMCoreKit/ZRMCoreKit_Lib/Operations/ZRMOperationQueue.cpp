@@ -16,10 +16,13 @@ std::string zrm_queueNameForClass(const std::string& className) {
 }
 
 // What outlives the queue object. It owns the operations; they know it weakly. A worker is a task
-// posted to the executor that takes the first ready operation at the moment it runs.
+// posted to the executor that takes the first ready operation at the moment it runs, and another
+// one when that has finished under its hands: a task for each would cost a change of threads.
 class ZRMOperationQueue::State : public std::enable_shared_from_this<State> {
   public:
     using Sequence = std::uint64_t;
+
+    static constexpr int kOperationsOfATask = 16;
 
     State(std::shared_ptr<ZRMQueue> queue, std::string name, int limit)
         : queue_(std::move(queue)), name_(std::move(name)), limit_(limit) {}
@@ -40,6 +43,7 @@ class ZRMOperationQueue::State : public std::enable_shared_from_this<State> {
     struct Entry {
         std::shared_ptr<ZRMOperation> operation;
         Phase phase = Phase::Blocked;
+        bool isInHand = false;  // its worker has not come back from start()
     };
 
     void observe(ZRMOperation& operation, Sequence sequence);
@@ -48,7 +52,11 @@ class ZRMOperationQueue::State : public std::enable_shared_from_this<State> {
                            std::size_t position);
     void makeReady(Sequence sequence);
     void finished(Sequence sequence);
-    void runNext();
+    void work();
+    // The first ready operation, now running, unless nothing may start.
+    [[nodiscard]] std::shared_ptr<ZRMOperation> takeNext(Sequence& sequence);
+    // Whether the operation has finished, so that its worker is free.
+    [[nodiscard]] bool putDown(Sequence sequence);
     void postWorkers() ZRM_REQUIRES(mutex_);
     [[nodiscard]] bool hasRoom() const ZRM_REQUIRES(mutex_);
 
@@ -60,7 +68,7 @@ class ZRMOperationQueue::State : public std::enable_shared_from_this<State> {
     std::map<Sequence, Entry> entries_ ZRM_GUARDED_BY(mutex_);
     std::set<Sequence> ready_ ZRM_GUARDED_BY(mutex_);
     Sequence nextSequence_ ZRM_GUARDED_BY(mutex_) = 0;
-    std::size_t workers_ ZRM_GUARDED_BY(mutex_) = 0;  // posted and not yet begun
+    std::size_t workers_ ZRM_GUARDED_BY(mutex_) = 0;  // about to take an operation
     std::size_t running_ ZRM_GUARDED_BY(mutex_) = 0;
     bool suspended_ ZRM_GUARDED_BY(mutex_) = false;
     bool abandoned_ ZRM_GUARDED_BY(mutex_) = false;
@@ -141,33 +149,61 @@ void ZRMOperationQueue::State::finished(Sequence sequence) {
     if (entry.mapped().phase == Phase::Running) {
         --running_;
     }
+    if (entry.mapped().isInHand) {
+        ++workers_;
+    }
     if (abandoned_ && entries_.empty()) {
         self = ZRMKeptAlive::instance().release(this);
     }
     postWorkers();
 }
 
-void ZRMOperationQueue::State::runNext() {
-    std::shared_ptr<ZRMOperation> operation;
-    {
-        const ZRMLockGuard lock(mutex_);
-        --workers_;
-        if (suspended_ || ready_.empty()) {
+void ZRMOperationQueue::State::work() {
+    Sequence sequence = 0;
+    for (int count = 0; count < kOperationsOfATask; ++count) {
+        const auto operation = takeNext(sequence);
+        if (!operation) {
             return;
         }
-        auto& entry = entries_.at(*ready_.begin());
-        ready_.erase(ready_.begin());
-        entry.phase = Phase::Running;
-        ++running_;
-        operation = entry.operation;
+        operation->start();
+        if (!putDown(sequence)) {
+            return;
+        }
     }
-    operation->start();
+    // Others that use the executor get their turn.
+    const ZRMLockGuard lock(mutex_);
+    --workers_;
+    postWorkers();
+}
+
+std::shared_ptr<ZRMOperation> ZRMOperationQueue::State::takeNext(Sequence& sequence) {
+    const ZRMLockGuard lock(mutex_);
+    --workers_;
+    if (suspended_ || ready_.empty()) {
+        return nullptr;
+    }
+    sequence = *ready_.begin();
+    ready_.erase(ready_.begin());
+    auto& entry = entries_.at(sequence);
+    entry.phase = Phase::Running;
+    entry.isInHand = true;
+    ++running_;
+    return entry.operation;
+}
+
+bool ZRMOperationQueue::State::putDown(Sequence sequence) {
+    const ZRMLockGuard lock(mutex_);
+    const auto entry = entries_.find(sequence);
+    if (entry != entries_.end()) {
+        entry->second.isInHand = false;
+    }
+    return entry == entries_.end();
 }
 
 void ZRMOperationQueue::State::postWorkers() {
     while (!suspended_ && workers_ < ready_.size() && hasRoom()) {
         ++workers_;
-        queue_->post([self = shared_from_this()] { self->runNext(); });
+        queue_->post([self = shared_from_this()] { self->work(); });
     }
 }
 
