@@ -33,6 +33,10 @@ ZRMStatisticBaseOperation::Outcome ZRMStatisticBaseOperation::runAlone() {
 }
 
 ZRMStatisticBaseOperation::Found ZRMStatisticBaseOperation::findStatistic() {
+    // Data of the store knows its record; whatever it finds has the same bytes.
+    if (const auto own = context_->statisticOf(*jwsData_); own && own.value()) {
+        return {own.value(), {}};
+    }
     auto request = ZRMStatisticEntity::fetchRequest();
     request.jws = jwsData_->bytes();
     request.fetchLimit = 1;

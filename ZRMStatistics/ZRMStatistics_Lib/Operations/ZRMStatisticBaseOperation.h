@@ -35,7 +35,8 @@ class ZRMStatisticBaseOperation : public ZRMErrorProneOperation {
     // What the log says of a save that failed.
     virtual void logSaveFailure(const ZRMError& error) = 0;
 
-    // The first stored record with the operation's bytes. Without one, `missing` says why.
+    // A stored record with the operation's bytes: the one they were read from, else the first.
+    // Without one, `missing` says why.
     struct Found {
         std::optional<ZRMStatisticEntity> statistic;
         Outcome missing;

@@ -10,8 +10,11 @@
 
 namespace {
 
-// One upload ready behind each that runs keeps the queue busy.
-constexpr std::size_t kMaxEnqueued = std::size_t{2} * ZRMStatisticsSenderImpl::kMaxUploads;
+// One upload ready behind each that runs keeps the queue busy for as long as an answer takes. Once
+// answers come, more are made ready at a time: bytes may have to wait for a write to the disk.
+constexpr std::size_t kReadyAtFirst = std::size_t{2} * ZRMStatisticsSenderImpl::kMaxUploads;
+constexpr std::size_t kReadyAtMost = 64;
+constexpr std::size_t kReadyBytes = std::size_t{128} * 1024;
 
 std::shared_ptr<ZRMReachabilityInspector> inspectorForUrl(
     const std::shared_ptr<const ZRMPlatform>& platform, const std::string& text) {
@@ -30,9 +33,7 @@ std::shared_ptr<ZRMStatisticsSenderImpl> ZRMStatisticsSenderImpl::create(
     std::shared_ptr<ZRMServerTimeProvider> serverTimeProvider) {
     std::shared_ptr<ZRMStatisticsSenderImpl> sender(new ZRMStatisticsSenderImpl(
         std::move(platform), url, customHeadersProvider, std::move(serverTimeProvider)));
-    auto& inspector = *sender->reachabilityInspector_;
-    inspector.addObserver(sender);
-    inspector.startNotifierWithRunLoop(ZRMRunLoop::mainRunLoop(sender->platform_->executor));
+    sender->followReachability();
     return sender;
 }
 
@@ -55,6 +56,24 @@ void ZRMStatisticsSenderImpl::addObserver(
 
 void ZRMStatisticsSenderImpl::removeObserver(const ZRMStatisticsSenderObserver* observer) {
     observers_.removeObserver(observer);
+}
+
+void ZRMStatisticsSenderImpl::followReachability() {
+    auto& inspector = *reachabilityInspector_;
+    inspector.addObserver(shared_from_this());
+    const bool isFollowed =
+        inspector.startNotifierWithRunLoop(ZRMRunLoop::mainRunLoop(platform_->executor));
+    const auto isOutOfReach = [&] {
+        return inspector.currentReachabilityStatus() == ZRMNetworkStatus::NotReachable;
+    };
+    // Only changes are told of, and only to who follows: without them the queue would stay shut.
+    if (isFollowed && isOutOfReach()) {
+        queue_.setSuspended(true);
+        // A change that was told of before the suspension is not told of again.
+        if (!isOutOfReach()) {
+            queue_.setSuspended(false);
+        }
+    }
 }
 
 void ZRMStatisticsSenderImpl::inspector(ZRMReachabilityInspector& /*inspector*/,
@@ -81,29 +100,42 @@ void ZRMStatisticsSenderImpl::sendStatisticsData(const std::shared_ptr<ZRMStatis
     Upload upload{data, serverTimeProvider_->getTime(), currentCustomHeaders()};
     {
         const std::lock_guard lock(mutex_);
-        if (enqueued_ >= kMaxEnqueued) {
+        if (enqueued_ >= kReadyAtFirst) {
             data->turnIntoFault();
         }
         waiting_.push_back(std::move(upload));
+        if (enqueued_ >= kReadyAtFirst) {
+            return;
+        }
     }
-    fillQueue();
+    fillQueue(kReadyAtFirst);
+}
+
+bool ZRMStatisticsSenderImpl::isNextReady(std::size_t limit) const {
+    if (waiting_.empty() || enqueued_ >= limit) {
+        return false;
+    }
+    return enqueued_ < kReadyAtFirst ||
+           enqueuedBytes_ + waiting_.front().data->length() <= kReadyBytes;
 }
 
 // One thread at a time fills, so that uploads reach the queue in their order.
-void ZRMStatisticsSenderImpl::fillQueue() {
+void ZRMStatisticsSenderImpl::fillQueue(std::size_t limit) {
     std::unique_lock lock(mutex_);
     if (std::exchange(isFilling_, true)) {
         return;
     }
-    while (enqueued_ < kMaxEnqueued && !waiting_.empty()) {
+    while (isNextReady(limit)) {
         const auto upload = std::move(waiting_.front());
         waiting_.pop_front();
         ++enqueued_;
+        enqueuedBytes_ += upload.data->length();
         lock.unlock();
         const bool isEnqueued = enqueue(upload);
         lock.lock();
         if (!isEnqueued) {
             --enqueued_;
+            enqueuedBytes_ -= upload.data->length();
         }
     }
     isFilling_ = false;
@@ -140,6 +172,7 @@ void ZRMStatisticsSenderImpl::completeUpload(const ZRMUrlRequestOperation& opera
             observer.statisticsSenderDidFailToSendData(*this, data, *error);
         });
     } else {
+        data->endUpload();
         const auto response = operation.response();
         const auto* date = response ? response->headers.find("Date") : nullptr;
         if (date != nullptr && !date->empty()) {
@@ -152,6 +185,10 @@ void ZRMStatisticsSenderImpl::completeUpload(const ZRMUrlRequestOperation& opera
     {
         const std::lock_guard lock(mutex_);
         --enqueued_;
+        enqueuedBytes_ -= data->length();
+        if (enqueued_ > kReadyAtMost / 2) {
+            return;
+        }
     }
-    fillQueue();
+    fillQueue(kReadyAtMost);
 }

@@ -27,7 +27,7 @@ class ZRMStatisticsSenderImpl final : public ZRMStatisticsSender,
     static constexpr int kMaxUploads = 4;
 
     // The headers provider is kept weakly and may be absent. Follows the reachability of the
-    // address's host, on the main run loop.
+    // address's host, on the main run loop; where that host is out of reach, waits from the start.
     static std::shared_ptr<ZRMStatisticsSenderImpl> create(
         std::shared_ptr<const ZRMPlatform> platform, const std::string& url,
         const std::shared_ptr<ZRMStatisticsCustomHeadersProvider>& customHeadersProvider,
@@ -53,10 +53,13 @@ class ZRMStatisticsSenderImpl final : public ZRMStatisticsSender,
         const std::shared_ptr<ZRMStatisticsCustomHeadersProvider>& customHeadersProvider,
         std::shared_ptr<ZRMServerTimeProvider> serverTimeProvider);
 
+    void followReachability();
     void inspector(ZRMReachabilityInspector& inspector, ZRMNetworkStatus didChangeStatus) override;
 
     std::shared_ptr<const Headers> currentCustomHeaders();
-    void fillQueue();
+    // Of uploads that are ready, with their bytes in memory, `limit` and no more.
+    void fillQueue(std::size_t limit);
+    [[nodiscard]] bool isNextReady(std::size_t limit) const;
     bool enqueue(const Upload& upload);
     void completeUpload(const ZRMUrlRequestOperation& operation,
                         const std::shared_ptr<ZRMStatisticsData>& data);
@@ -72,6 +75,7 @@ class ZRMStatisticsSenderImpl final : public ZRMStatisticsSender,
     std::mutex mutex_;  // guards what follows; never held while anything else is called
     std::deque<Upload> waiting_;
     std::size_t enqueued_ = 0;
+    std::size_t enqueuedBytes_ = 0;
     bool isFilling_ = false;
     std::shared_ptr<const Headers> lastCustomHeaders_;
 };

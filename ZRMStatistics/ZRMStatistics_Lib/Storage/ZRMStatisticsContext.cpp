@@ -108,7 +108,8 @@ std::optional<ZRMError> ZRMStatisticsContext::deleteObject(const ZRMStatisticEnt
     const ZRMLockGuard lock(mutex_);
     try {
         beginChanges();
-        if (const auto data = dataSource_->registry.find(statistic.objectIdentifier)) {
+        const auto data = dataSource_->registry.find(statistic.objectIdentifier);
+        if (data && !data->isAnswered()) {
             data->keep(data->bytes());
         }
         table_.remove(statistic.objectIdentifier);
@@ -135,6 +136,20 @@ ZRMResult<std::vector<ZRMStatisticEntity>> ZRMStatisticsContext::executeFetchReq
     } catch (const SQLite::Exception& exception) {
         return failure(exception);
     }
+}
+
+ZRMResult<std::optional<ZRMStatisticEntity>> ZRMStatisticsContext::statisticOf(
+    const ZRMStatisticsData& data) {
+    using Found = std::optional<ZRMStatisticEntity>;
+    // A record's number may be given away again; then other data is known for it.
+    const auto known = dataSource_->registry.knownFor(data);
+    if (!known) {
+        return Found();
+    }
+    return guarded([&] {
+        const auto row = table_.withId(known->record());
+        return row ? Found(entityOf(*row)) : Found();
+    });
 }
 
 ZRMResult<ZRMStatisticsTable::Totals> ZRMStatisticsContext::totals() {

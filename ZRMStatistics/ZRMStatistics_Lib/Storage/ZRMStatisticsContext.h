@@ -51,10 +51,12 @@ class ZRMStatisticsContext final : public std::enable_shared_from_this<ZRMStatis
     // last records inserted stay in memory as well: they are about to be sent.
     ZRMResult<ZRMStatisticEntity> insertObject(const ZRMStatisticEntity& statistic);
     std::optional<ZRMError> updateObject(const ZRMStatisticEntity& statistic);
-    // The bytes stay readable for whoever holds them.
+    // The bytes stay readable for whoever holds them, unless their upload was answered.
     std::optional<ZRMError> deleteObject(const ZRMStatisticEntity& statistic);
     ZRMResult<std::vector<ZRMStatisticEntity>> executeFetchRequest(
         const ZRMStatisticFetchRequest& request);
+    // The record that the data stands for; absent when it stands for none, or for one that is gone.
+    ZRMResult<std::optional<ZRMStatisticEntity>> statisticOf(const ZRMStatisticsData& data);
     ZRMResult<ZRMStatisticsTable::Totals> totals();
 
     // On success the changes are on stable storage and the observers know of them; on an error

@@ -27,6 +27,9 @@ class ZRMStatisticsData {
     [[nodiscard]] bool beginUpload() { return !uploading_.exchange(true); }
     // After an upload that was not answered.
     void abandonUpload() { uploading_ = false; }
+    // After one that was: nobody will need the bytes again.
+    void endUpload() { answered_ = true; }
+    [[nodiscard]] bool isAnswered() const { return answered_; }
 
   protected:
     ZRMStatisticsData(std::size_t length, const void* identity)
@@ -36,6 +39,7 @@ class ZRMStatisticsData {
     std::size_t length_;
     const void* identity_;
     std::atomic<bool> uploading_{false};
+    std::atomic<bool> answered_{false};
 };
 
 class ZRMStatisticsDataInMemory final : public ZRMStatisticsData {

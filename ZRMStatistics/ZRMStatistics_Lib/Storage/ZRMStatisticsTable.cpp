@@ -69,6 +69,9 @@ ZRMStatisticsTable::ZRMStatisticsTable(SQLite::Database& database)
               "UPDATE ZRMStatisticEntity SET storeTimestamp = ?1, lastTryTimestamp = ?2, "
               "activeDays = ?3, priority = ?4 WHERE id = ?5"),
       remove_(database, "DELETE FROM ZRMStatisticEntity WHERE id = ?"),
+      withId_(database,
+              "SELECT id, storeTimestamp, lastTryTimestamp, activeDays, priority, jwsLength "
+              "FROM ZRMStatisticEntity WHERE id = ?"),
       all_(database, kSelectAll),
       withBytes_(database, kSelectWithBytes),
       bytes_(database, "SELECT jws FROM ZRMStatisticEntity WHERE id = ?"),
@@ -119,6 +122,12 @@ void ZRMStatisticsTable::remove(std::int64_t id) {
     const StatementUse use(remove_);
     remove_.bind(1, id);
     remove_.exec();
+}
+
+std::optional<ZRMStatisticsTable::Row> ZRMStatisticsTable::withId(std::int64_t id) {
+    const StatementUse use(withId_);
+    withId_.bind(1, id);
+    return withId_.executeStep() ? std::optional(rowAt(withId_)) : std::nullopt;
 }
 
 std::vector<ZRMStatisticsTable::Row> ZRMStatisticsTable::all(std::size_t limit) {

@@ -44,6 +44,7 @@ class ZRMStatisticsTable {
     void update(const Row& row);
     void remove(std::int64_t id);
 
+    std::optional<Row> withId(std::int64_t id);
     // Oldest first, those stored at the same moment in the order of their storing.
     std::vector<Row> all(std::size_t limit);
     // The same, of the records with exactly these bytes.
@@ -62,6 +63,7 @@ class ZRMStatisticsTable {
     SQLite::Statement insert_;
     SQLite::Statement update_;
     SQLite::Statement remove_;
+    SQLite::Statement withId_;
     SQLite::Statement all_;
     SQLite::Statement withBytes_;
     SQLite::Statement bytes_;

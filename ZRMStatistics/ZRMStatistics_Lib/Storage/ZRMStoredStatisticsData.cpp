@@ -7,6 +7,13 @@ std::shared_ptr<ZRMStoredStatisticsData> ZRMStoredStatisticsDataRegistry::find(
     return found == known_.end() ? nullptr : found->second.lock();
 }
 
+std::shared_ptr<ZRMStoredStatisticsData> ZRMStoredStatisticsDataRegistry::knownFor(
+    const ZRMStatisticsData& data) const {
+    const auto* const stored = dynamic_cast<const ZRMStoredStatisticsData*>(&data);
+    auto known = stored != nullptr ? find(stored->record()) : nullptr;
+    return known.get() == stored ? known : nullptr;
+}
+
 void ZRMStoredStatisticsDataRegistry::add(const std::shared_ptr<ZRMStoredStatisticsData>& data) {
     const ZRMLockGuard lock(mutex_);
     known_.insert_or_assign(data->record(), data);

@@ -15,6 +15,9 @@ class ZRMStoredStatisticsData;
 class ZRMStoredStatisticsDataRegistry {
   public:
     [[nodiscard]] std::shared_ptr<ZRMStoredStatisticsData> find(std::int64_t record) const;
+    // The one known for its record, where it is this data.
+    [[nodiscard]] std::shared_ptr<ZRMStoredStatisticsData> knownFor(
+        const ZRMStatisticsData& data) const;
     // Takes the place of another one of that record.
     void add(const std::shared_ptr<ZRMStoredStatisticsData>& data);
     // Where `data` is the one known for its record, or where that one is no more.

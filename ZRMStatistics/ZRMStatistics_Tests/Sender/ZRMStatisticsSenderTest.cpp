@@ -258,6 +258,31 @@ TEST_F(ZRMStatisticsSenderTest, StartsNothingWhileTheServerCannotBeReached) {
     EXPECT_THAT(ends_->texts, ElementsAre("sent event"));
 }
 
+TEST_F(ZRMStatisticsSenderTest, WaitsFromTheStartWhereTheServerCannotBeReached) {
+    device_.reachability().setFlagsOfHost("risk.example.com", 0);
+    makeSender();
+    EXPECT_TRUE(sender_->queue().isSuspended());
+    send("event");
+    device_.advanceBy(3600);
+    EXPECT_THAT(bodies(), IsEmpty());
+    device_.reachability().setFlagsOfHost("risk.example.com", ZRMReachabilityReachable);
+    device_.runUntilIdle();
+    EXPECT_THAT(bodies(), ElementsAre("event"));
+}
+
+TEST_F(ZRMStatisticsSenderTest, DoesNotWaitForWhatItWouldNotLearn) {
+    device_.reachability().setFlagsOfHost("risk.example.com", 0);
+    device_.reachability().setSchedulingRefused(true);
+    makeSender();
+    EXPECT_FALSE(sender_->queue().isSuspended());
+    device_.reachability().setTargetsRefused(true);
+    makeSender();
+    EXPECT_FALSE(sender_->queue().isSuspended());
+    send("event");
+    device_.runUntilIdle();
+    EXPECT_THAT(bodies(), ElementsAre("event"));
+}
+
 TEST_F(ZRMStatisticsSenderTest, UploadUnderWayGoesOnWhenTheServerGoesOutOfReach) {
     keepServerSilent();
     send("event");
