@@ -1,7 +1,6 @@
 #include "ZRMPlatform/Linux/ZRMLinuxUrlLoader.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "ZRMPlatform/Linux/ZRMLinuxOpenSSL.h"
 #include "ZRMPlatform/Linux/ZRMLinuxThread.h"
@@ -22,6 +21,7 @@ ZRMLinuxUrlLoader::ZRMLinuxUrlLoader() {
     zrm_prepareOpenSSL();
     curl_global_init(CURL_GLOBAL_DEFAULT);
     multi_ = curl_multi_init();
+    sockets_ = std::make_unique<ZRMLinuxUrlSockets>(multi_);
     curl_multi_setopt(multi_, CURLMOPT_MAXCONNECTS, kIdleConnections);
     share_ = curl_share_init();  // used on one thread, so that it needs no locks
     curl_share_setopt(share_, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
@@ -45,22 +45,20 @@ void ZRMLinuxUrlLoader::command(Command command) {
         isFirst = commands_.empty();
         commands_.push_back(std::move(command));
         if (!isStarted_) {
-            isStarted_ = zrm_startThread("zrm-network", [this] { serve(); });
+            isStarted_ = sockets_->open() && zrm_startThread("zrm-network", [this] { serve(); });
         }
     }
     if (isFirst) {
-        curl_multi_wakeup(multi_);
+        sockets_->wake();
     }
 }
 
 void ZRMLinuxUrlLoader::serve() {
     for (;;) {
         obey();
-        int running = 0;
-        curl_multi_perform(multi_, &running);
+        sockets_->wait(timeToNextDeadline());
         takeVerdicts();
         giveUpLateTransfers();
-        curl_multi_poll(multi_, nullptr, 0, millisecondsToNextDeadline(), nullptr);
     }
 }
 
@@ -130,14 +128,14 @@ void ZRMLinuxUrlLoader::giveUpLateTransfers() {
     }
 }
 
-int ZRMLinuxUrlLoader::millisecondsToNextDeadline() const {
+std::chrono::milliseconds ZRMLinuxUrlLoader::timeToNextDeadline() const {
     using std::chrono::milliseconds;
-    auto wait = milliseconds(std::numeric_limits<int>::max());
+    auto wait = milliseconds::max();
     const auto now = ZRMLinuxUrlTransfer::Clock::now();
     for (const auto& entry : transfers_) {
         wait = std::min(wait, std::chrono::ceil<milliseconds>(entry.second->deadline() - now));
     }
-    return static_cast<int>(std::max(wait, milliseconds(0)).count());
+    return wait;
 }
 
 void ZRMLinuxUrlLoader::drop(Transfers::iterator found) {

@@ -7,6 +7,7 @@
 
 #include <curl/curl.h>
 
+#include "ZRMPlatform/Linux/ZRMLinuxUrlSockets.h"
 #include "ZRMPlatform/Linux/ZRMLinuxUrlTransfer.h"
 #include "ZRMPlatform/Ports/ZRMMutex.h"
 
@@ -36,7 +37,7 @@ class ZRMLinuxUrlLoader {
     void begin(std::shared_ptr<ZRMLinuxUrlJob> job);
     void takeVerdicts();
     void giveUpLateTransfers();
-    [[nodiscard]] int millisecondsToNextDeadline() const;
+    [[nodiscard]] std::chrono::milliseconds timeToNextDeadline() const;
     // Lets go of the transfer and its handle; the connection is kept for the next one.
     void drop(Transfers::iterator found);
 
@@ -45,6 +46,7 @@ class ZRMLinuxUrlLoader {
     bool isStarted_ ZRM_GUARDED_BY(mutex_) = false;
 
     CURLM* multi_;
+    std::unique_ptr<ZRMLinuxUrlSockets> sockets_;
     CURLSH* share_;
     // The rest belongs to the network thread.
     Transfers transfers_;
