@@ -34,16 +34,18 @@ ZRMStatisticBaseOperation::Outcome ZRMStatisticBaseOperation::runAlone() {
 
 ZRMStatisticBaseOperation::Found ZRMStatisticBaseOperation::findStatistic() {
     // Data of the store knows its record; whatever it finds has the same bytes.
-    if (const auto own = context_->statisticOf(*jwsData_); own && own.value()) {
+    const auto own = context_->statisticOf(*jwsData_);
+    if (own && own.value()) {
         return {own.value(), {}};
     }
     auto request = ZRMStatisticEntity::fetchRequest();
     request.jws = jwsData_->bytes();
     request.fetchLimit = 1;
-    if (!request.jws) {
+    if (own && !request.jws) {
         return {std::nullopt, {std::nullopt, [this] { logMissing(); }}};
     }
-    auto fetched = context_->executeFetchRequest(request);
+    const auto fetched = own ? context_->executeFetchRequest(request)
+                             : ZRMResult<std::vector<ZRMStatisticEntity>>(own.error());
     if (!fetched) {
         return {std::nullopt,
                 {fetched.error(), [this, text = request.description(), error = fetched.error()] {

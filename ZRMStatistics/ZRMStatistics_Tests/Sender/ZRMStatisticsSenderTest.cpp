@@ -67,6 +67,22 @@ class ZRMStatisticsSenderTest : public ZRMStatisticsDeviceTest {
         sender_->sendStatisticsData(data);
         return data;
     }
+    std::vector<std::shared_ptr<StubData>> sendMany(int count, std::size_t length) {
+        std::vector<std::shared_ptr<StubData>> data;
+        for (int number = 0; number < count; ++number) {
+            data.push_back(std::make_shared<StubData>(std::string(length, 'x')));
+            sender_->sendStatisticsData(data.back());
+        }
+        return data;
+    }
+    // Without those that the tests' own observer makes when an upload ends.
+    [[nodiscard]] int readsOf(const std::vector<std::shared_ptr<StubData>>& data) const {
+        int reads = 0;
+        for (const auto& each : data) {
+            reads += each->reads;
+        }
+        return reads - static_cast<int>(ends_->texts.size());
+    }
     [[nodiscard]] std::vector<std::string> bodies() const {
         std::vector<std::string> texts;
         for (const auto& record : const_cast<ZRMSimulatedDevice&>(device_).network().requests()) {
@@ -342,6 +358,37 @@ TEST_F(ZRMStatisticsSenderTest, BytesFarBehindInTheLineAreLetGoUntilTheirTurn) {
     device_.reachability().setFlagsOfHost("risk.example.com", ZRMReachabilityReachable);
     device_.runUntilIdle();
     EXPECT_EQ(ends_->texts.size(), 10U);
+}
+
+TEST_F(ZRMStatisticsSenderTest, MoreIsMadeReadyOnceAnswersCome) {
+    keepServerSilent();
+    const auto data = sendMany(100, 1);
+    EXPECT_EQ(readsOf(data), 8);
+    device_.advanceBy(50);
+    EXPECT_EQ(device_.network().requests().size(), 8U);
+    EXPECT_EQ(readsOf(data), 4 + 64);
+    device_.advanceBy(25 * 50);
+    EXPECT_EQ(readsOf(data), 100);
+    EXPECT_EQ(ends_->texts.size(), 100U);
+}
+
+TEST_F(ZRMStatisticsSenderTest, OfLongEventsOnlyAFewAreMadeReady) {
+    keepServerSilent();
+    const auto data = sendMany(20, std::size_t{64} * 1024);
+    device_.advanceBy(50);
+    EXPECT_EQ(readsOf(data), 4 + 8);
+    device_.advanceBy(5 * 50);
+    EXPECT_EQ(ends_->texts.size(), 20U);
+}
+
+TEST_F(ZRMStatisticsSenderTest, NobodyNeedsTheBytesOfAnAnsweredUpload) {
+    const auto answered = send("answered");
+    device_.runUntilIdle();
+    EXPECT_TRUE(answered->isAnswered());
+    device_.network().script("/stat", ZRMSimulatedAnswer::withError(ZRMUrlErrorCannotFindHost));
+    const auto failed = send("failed");
+    device_.runUntilIdle();
+    EXPECT_FALSE(failed->isAnswered());
 }
 
 TEST_F(ZRMStatisticsSenderTest, DataThatCannotBeReadIsLoggedAndLeftForALaterTry) {

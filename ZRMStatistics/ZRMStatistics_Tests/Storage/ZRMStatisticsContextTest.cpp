@@ -30,6 +30,12 @@ class ZRMStatisticsContextTest : public ZRMStatisticsDeviceTest {
         return found;
     }
 
+    std::optional<ZRMStatisticEntity> of(const ZRMStatisticsData& data) {
+        std::optional<ZRMStatisticEntity> found;
+        context_->performBlockAndWait([&] { found = context_->statisticOf(data).value(); });
+        return found;
+    }
+
     void remove(const ZRMStatisticEntity& statistic) {
         context_->performBlockAndWait([&] {
             EXPECT_EQ(context_->deleteObject(statistic), std::nullopt);
@@ -224,6 +230,40 @@ TEST_F(ZRMStatisticsContextTest, StoredBytesKeepTheIdentityOfThoseThatWereGiven)
         EXPECT_EQ(context_->insertObject(statistic).value().jws->identity(), bytes.get());
         context_->rollback();
     });
+}
+
+TEST_F(ZRMStatisticsContextTest, DataOfTheStoreFindsItsRecord) {
+    insert(*context_, "event", 1);
+    const auto second = insert(*context_, "event", 2);
+    const auto found = of(*second.jws);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->objectIdentifier, second.objectIdentifier);
+    EXPECT_EQ(found->storeTimestamp, 2);
+    EXPECT_EQ(found->jws, second.jws);
+    EXPECT_FALSE(of(ZRMStatisticsDataInMemory(zrm_sharedData("event"))));
+}
+
+TEST_F(ZRMStatisticsContextTest, DataWhoseRecordIsGoneDoesNotFindTheOneThatGotItsNumber) {
+    const auto gone = insert(*context_, "gone", 1);
+    remove(gone);
+    EXPECT_FALSE(of(*gone.jws));
+    const auto next = insert(*context_, "next", 2);
+    ASSERT_EQ(next.objectIdentifier, gone.objectIdentifier);
+    EXPECT_FALSE(of(*gone.jws));
+    EXPECT_TRUE(of(*next.jws));
+}
+
+TEST_F(ZRMStatisticsContextTest, BytesOfADeletedRecordAreKeptUnlessTheirUploadWasAnswered) {
+    const auto waiting = insert(*context_, "waiting", 1);
+    const auto answered = insert(*context_, "answered", 2);
+    answered.jws->endUpload();
+    for (const auto& statistic : {waiting, answered}) {
+        statistic.jws->turnIntoFault();
+        remove(statistic);
+    }
+    ASSERT_TRUE(waiting.jws->bytes());
+    EXPECT_EQ(zrm_textFromData(*waiting.jws->bytes()), "waiting");
+    EXPECT_EQ(answered.jws->bytes(), nullptr);
 }
 
 TEST_F(ZRMStatisticsContextTest, BytesAreNullOnceTheContextIsGone) {
