@@ -96,26 +96,40 @@ constexpr auto kBase64UrlValues = makeBase64UrlValues();
 }  // namespace
 
 std::string zrm_decodeBase64Url(std::string_view text) {
-    if (text.size() % 4 == 1) {
+    const auto stray = text.size() % 4;
+    if (stray == 1) {
         throw ZRMMalformedUpload("the payload is cut base64url");
     }
-    std::string bytes;
-    bytes.reserve(text.size() * 3 / 4);
-    unsigned held = 0;
-    unsigned heldBits = 0;
-    for (const char letter : text) {
-        const std::int8_t value = kBase64UrlValues[static_cast<unsigned char>(letter)];
-        if (value < 0) {
-            throw ZRMMalformedUpload("the payload is not base64url");
-        }
-        held = (held << 6U) | static_cast<unsigned>(value);
-        heldBits += 6;
-        if (heldBits >= 8) {
-            heldBits -= 8;
-            bytes.push_back(static_cast<char>((held >> heldBits) & 0xFFU));
-        }
+    std::string bytes((text.size() / 4 + 1) * 3, '\0');
+    char* out = bytes.data();
+    int signs = 0;  // negative once a letter was none of the alphabet's
+    const auto valueOf = [&signs](char letter) {
+        const int value = kBase64UrlValues[static_cast<unsigned char>(letter)];
+        signs |= value;
+        return static_cast<unsigned>(value);
+    };
+    // Three bytes of which the last ones may be of letters that are not there.
+    const auto write = [&out](unsigned held) {
+        *out++ = static_cast<char>((held >> 16U) & 0xFFU);
+        *out++ = static_cast<char>((held >> 8U) & 0xFFU);
+        *out++ = static_cast<char>(held & 0xFFU);
+    };
+    const auto* letter = text.data();
+    for (const auto* const end = letter + text.size() - stray; letter != end; letter += 4) {
+        write(valueOf(letter[0]) << 18U | valueOf(letter[1]) << 12U | valueOf(letter[2]) << 6U |
+              valueOf(letter[3]));
     }
-    if ((held & ((1U << heldBits) - 1U)) != 0) {
+    unsigned held = 0;
+    if (stray != 0) {
+        held = valueOf(letter[0]) << 18U | valueOf(letter[1]) << 12U |
+               (stray == 3 ? valueOf(letter[2]) << 6U : 0);
+        write(held);
+    }
+    if (signs < 0) {
+        throw ZRMMalformedUpload("the payload is not base64url");
+    }
+    bytes.resize(text.size() * 3 / 4);
+    if ((held & (stray == 3 ? 0xFFU : 0xFFFFU)) != 0) {
         throw ZRMMalformedUpload("the payload's base64url ends in stray bits");
     }
     return bytes;
