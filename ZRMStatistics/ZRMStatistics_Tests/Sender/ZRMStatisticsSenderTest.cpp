@@ -366,7 +366,7 @@ TEST_F(ZRMStatisticsSenderTest, MoreIsMadeReadyOnceAnswersCome) {
     EXPECT_EQ(readsOf(data), 8);
     device_.advanceBy(50);
     EXPECT_EQ(device_.network().requests().size(), 8U);
-    EXPECT_EQ(readsOf(data), 4 + 64);
+    EXPECT_EQ(readsOf(data), 1 + 64);
     device_.advanceBy(25 * 50);
     EXPECT_EQ(readsOf(data), 100);
     EXPECT_EQ(ends_->texts.size(), 100U);
