@@ -254,6 +254,7 @@ void ZRMSimulation::finish() {
     mendDisk();
     server_.recover();
     setConnected(true);
+    device_.reachability().setFlags(ZRMReachabilityReachable);  // the path may have changed alone
     startLife();
     while (wantsService_ && !failure()) {
         bringUpService();
