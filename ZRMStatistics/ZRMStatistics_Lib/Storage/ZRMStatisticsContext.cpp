@@ -146,10 +146,13 @@ ZRMResult<std::optional<ZRMStatisticEntity>> ZRMStatisticsContext::statisticOf(
     if (!known) {
         return Found();
     }
-    return guarded([&] {
+    const ZRMLockGuard lock(mutex_);
+    try {
         const auto row = table_.withId(known->record());
         return row ? Found(entityOf(*row)) : Found();
-    });
+    } catch (const SQLite::Exception& exception) {
+        return failure(exception);
+    }
 }
 
 ZRMResult<ZRMStatisticsTable::Totals> ZRMStatisticsContext::totals() {
