@@ -388,7 +388,6 @@ TEST_F(ZRMLinuxUrlSessionTest, AFoldedLineGoesOnWithTheValueBeforeIt) {
     EXPECT_EQ(*headers.find("X-Folded"), "one two three: 3");
     EXPECT_EQ(*headers.find("X-Late"), "value");
     EXPECT_EQ(headers.find("three"), nullptr);
-    EXPECT_EQ(zrm_textFromData(exchange.data), "hello");
 }
 
 TEST_F(ZRMLinuxUrlSessionTest, ARedirectMayBeFolded) {
@@ -404,7 +403,6 @@ TEST_F(ZRMLinuxUrlSessionTest, ARedirectMayBeFolded) {
         const auto exchange = load(*sessions, get(server.url("/old")));
         ASSERT_EQ(codeOf(exchange), 0);
         EXPECT_EQ(*exchange.response->headers.find("X-There"), "yes and no");
-        EXPECT_EQ(exchange.response->headers.find("X-Way"), nullptr);
     }
 }
 
