@@ -85,7 +85,7 @@ std::shared_ptr<const ZRMStatisticsSenderImpl::Headers>
 ZRMStatisticsSenderImpl::currentCustomHeaders() {
     const auto provider = customHeadersProvider_.lock();
     auto headers = provider ? provider->customHeaders() : Headers();
-    const std::lock_guard lock(mutex_);
+    const ZRMLockGuard lock(mutex_);
     // Thousands of waiting uploads share one copy.
     if (!lastCustomHeaders_ || *lastCustomHeaders_ != headers) {
         lastCustomHeaders_ = std::make_shared<const Headers>(std::move(headers));
@@ -99,7 +99,7 @@ void ZRMStatisticsSenderImpl::sendStatisticsData(const std::shared_ptr<ZRMStatis
     }
     Upload upload{data, serverTimeProvider_->getTime(), currentCustomHeaders()};
     {
-        const std::lock_guard lock(mutex_);
+        const ZRMLockGuard lock(mutex_);
         if (enqueued_ >= kReadyAtFirst) {
             data->turnIntoFault();
         }
@@ -121,24 +121,37 @@ bool ZRMStatisticsSenderImpl::isNextReady(std::size_t limit) const {
 
 // One thread at a time fills, so that uploads reach the queue in their order.
 void ZRMStatisticsSenderImpl::fillQueue(std::size_t limit) {
-    std::unique_lock lock(mutex_);
-    if (std::exchange(isFilling_, true)) {
-        return;
-    }
-    while (isNextReady(limit)) {
-        const auto upload = std::move(waiting_.front());
-        waiting_.pop_front();
-        ++enqueued_;
-        enqueuedBytes_ += upload.data->length();
-        lock.unlock();
-        const bool isEnqueued = enqueue(upload);
-        lock.lock();
-        if (!isEnqueued) {
-            --enqueued_;
-            enqueuedBytes_ -= upload.data->length();
+    {
+        const ZRMLockGuard lock(mutex_);
+        if (std::exchange(isFilling_, true)) {
+            return;
         }
     }
-    isFilling_ = false;
+    while (const auto upload = takeNext(limit)) {
+        if (!enqueue(*upload)) {
+            const ZRMLockGuard lock(mutex_);
+            letGo(*upload->data);
+        }
+    }
+}
+
+std::optional<ZRMStatisticsSenderImpl::Upload> ZRMStatisticsSenderImpl::takeNext(
+    std::size_t limit) {
+    const ZRMLockGuard lock(mutex_);
+    isFilling_ = isNextReady(limit);
+    if (!isFilling_) {
+        return std::nullopt;
+    }
+    auto upload = std::move(waiting_.front());
+    waiting_.pop_front();
+    ++enqueued_;
+    enqueuedBytes_ += upload.data->length();
+    return upload;
+}
+
+void ZRMStatisticsSenderImpl::letGo(const ZRMStatisticsData& data) {
+    --enqueued_;
+    enqueuedBytes_ -= data.length();
 }
 
 bool ZRMStatisticsSenderImpl::enqueue(const Upload& upload) {
@@ -183,9 +196,8 @@ void ZRMStatisticsSenderImpl::completeUpload(const ZRMUrlRequestOperation& opera
         });
     }
     {
-        const std::lock_guard lock(mutex_);
-        --enqueued_;
-        enqueuedBytes_ -= data->length();
+        const ZRMLockGuard lock(mutex_);
+        letGo(*data);
         if (enqueued_ > kReadyAtMost / 2) {
             return;
         }

@@ -6,7 +6,7 @@
 #include <deque>
 #include <map>
 #include <memory>
-#include <mutex>
+#include <optional>
 #include <string>
 
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Observers/ZRMObserversCollection.h"
@@ -14,6 +14,7 @@
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Operations/ZRMUrlRequestOperation.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Reachability/ZRMReachabilityInspector.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/ServerTime/ZRMServerTimeProvider.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 #include "ZRMStatistics/ZRMStatistics_Lib/Sender/ZRMStatisticsSender.h"
 #include "ZRMStatistics/ZRMStatistics_Lib/Service/ZRMStatisticsCustomHeadersProvider.h"
@@ -59,7 +60,10 @@ class ZRMStatisticsSenderImpl final : public ZRMStatisticsSender,
     std::shared_ptr<const Headers> currentCustomHeaders();
     // Of uploads that are ready, with their bytes in memory, `limit` and no more.
     void fillQueue(std::size_t limit);
-    [[nodiscard]] bool isNextReady(std::size_t limit) const;
+    // Absent at the end of the filling.
+    [[nodiscard]] std::optional<Upload> takeNext(std::size_t limit);
+    [[nodiscard]] bool isNextReady(std::size_t limit) const ZRM_REQUIRES(mutex_);
+    void letGo(const ZRMStatisticsData& data) ZRM_REQUIRES(mutex_);
     bool enqueue(const Upload& upload);
     void completeUpload(const ZRMUrlRequestOperation& operation,
                         const std::shared_ptr<ZRMStatisticsData>& data);
@@ -72,10 +76,10 @@ class ZRMStatisticsSenderImpl final : public ZRMStatisticsSender,
     ZRMObserversCollection<ZRMStatisticsSenderObserver> observers_;
     ZRMOperationQueue queue_;
 
-    std::mutex mutex_;  // guards what follows; never held while anything else is called
-    std::deque<Upload> waiting_;
-    std::size_t enqueued_ = 0;
-    std::size_t enqueuedBytes_ = 0;
-    bool isFilling_ = false;
-    std::shared_ptr<const Headers> lastCustomHeaders_;
+    ZRMMutex mutex_;
+    std::deque<Upload> waiting_ ZRM_GUARDED_BY(mutex_);
+    std::size_t enqueued_ ZRM_GUARDED_BY(mutex_) = 0;
+    std::size_t enqueuedBytes_ ZRM_GUARDED_BY(mutex_) = 0;
+    bool isFilling_ ZRM_GUARDED_BY(mutex_) = false;
+    std::shared_ptr<const Headers> lastCustomHeaders_ ZRM_GUARDED_BY(mutex_);
 };
