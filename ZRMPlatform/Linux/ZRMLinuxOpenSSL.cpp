@@ -9,6 +9,7 @@ void zrm_prepareOpenSSL() {
 }
 
 ZRMLinuxOpenSSLErrors::ZRMLinuxOpenSSLErrors() {
+    zrm_prepareOpenSSL();  // a mark may be the first use
     ERR_set_mark();
 }
 

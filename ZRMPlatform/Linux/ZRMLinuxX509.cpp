@@ -68,11 +68,11 @@ ZRMLinuxX509Stack zrm_x509Stack(std::span<const ZRMLinuxX509> certificates) {
 }
 
 std::optional<ZRMDate> zrm_dateOfAsn1Time(const ASN1_TIME* time) {
-    using Time = std::unique_ptr<ASN1_TIME, decltype(&ASN1_TIME_free)>;
-    static const Time epoch(ASN1_TIME_set(nullptr, 0), &ASN1_TIME_free);
+    // Never freed: a thread may be here while the process ends.
+    static const auto* const epoch = ASN1_TIME_set(nullptr, 0);
     int days = 0;
     int seconds = 0;
-    if (time == nullptr || ASN1_TIME_diff(&days, &seconds, epoch.get(), time) != 1) {
+    if (time == nullptr || ASN1_TIME_diff(&days, &seconds, epoch, time) != 1) {
         return std::nullopt;
     }
     constexpr double kSecondsOfDay = 86400;
