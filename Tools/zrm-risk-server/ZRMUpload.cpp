@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cctype>
 #include <memory>
 
@@ -80,13 +81,13 @@ ZRMUpload onlyEvent(boost::json::object payload) {
     return {std::string(member.key()), event.as_object()};
 }
 
-constexpr std::array<signed char, 256> makeBase64UrlValues() {
+constexpr std::array<std::int16_t, 256> makeBase64UrlValues() {
     constexpr std::string_view alphabet =
         "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
-    std::array<signed char, 256> values{};
+    std::array<std::int16_t, 256> values{};
     values.fill(-1);
     for (std::size_t i = 0; i < alphabet.size(); ++i) {
-        values[static_cast<unsigned char>(alphabet[i])] = static_cast<signed char>(i);
+        values[static_cast<unsigned char>(alphabet[i])] = static_cast<std::int16_t>(i);
     }
     return values;
 }

@@ -40,6 +40,7 @@ class HeldQueue final : public ZRMQueue {
         tasks_.pop_front();
         task();
     }
+    void dropAll() { tasks_.clear(); }
     void runAll() {
         while (!tasks_.empty()) {
             runOne();
@@ -61,6 +62,9 @@ int numberOf(const ZRMStatisticsEvent& event) {
 
 class ZRMStatisticsPipelineTest : public ZRMStatisticsDeviceTest {
   protected:
+    // A task that was not run holds the pipeline, which holds the queue.
+    ~ZRMStatisticsPipelineTest() override { queue_->dropAll(); }
+
     void put(int number) { pipeline_->put(eventOf(number), static_cast<std::int16_t>(number % 3)); }
     void putUpTo(int end) {
         for (; next_ < end; ++next_) {
