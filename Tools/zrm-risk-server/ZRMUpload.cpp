@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdint>
 #include <cctype>
+#include <cstdint>
 #include <memory>
 
 #include <boost/json/parse.hpp>
