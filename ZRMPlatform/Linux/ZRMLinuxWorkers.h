@@ -29,6 +29,6 @@ class ZRMLinuxWorkers {
     std::condition_variable_any posted_;
     std::deque<ZRMTask> tasks_ ZRM_GUARDED_BY(mutex_);
     int threads_ ZRM_GUARDED_BY(mutex_) = 0;
-    int idleThreads_ ZRM_GUARDED_BY(mutex_) =
-        0;  // those that a post woke and that took nothing yet too
+    // Those that a post woke and that took nothing yet, too.
+    int idleThreads_ ZRM_GUARDED_BY(mutex_) = 0;
 };

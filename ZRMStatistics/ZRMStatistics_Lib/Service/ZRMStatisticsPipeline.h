@@ -28,8 +28,8 @@ class ZRMStatisticsPipeline final : public std::enable_shared_from_this<ZRMStati
         ZRMSharedData body;  // null for an event that could not be encoded
         std::int16_t priority = 0;
     };
-    // Several at a time, on the queue and on threads that report. Null, or an
-    // exception, drops the event.
+    // Several at a time, on the queue and on threads that report. Null, or an exception, drops the
+    // event.
     using Encode = std::function<ZRMSharedData(const ZRMStatisticsEvent& event)>;
     // One call at a time, on the queue, in the order of put().
     using Deliver = std::function<void(const std::vector<Encoded>& events)>;
