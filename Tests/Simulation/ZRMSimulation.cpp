@@ -149,7 +149,6 @@ void ZRMSimulation::activationEnded(bool isFailed) {
     isActive_ = true;
     ledger_.clockReads(device_.now().secondsSince1970);
     readLog();
-    ledger_.queueStarted();
     const auto tag = service_ ? service_->deviceTag() : std::nullopt;
     if (tag) {
         const auto own = tag->substr(0, kTagLength);
@@ -158,6 +157,11 @@ void ZRMSimulation::activationEnded(bool isFailed) {
         }
         deviceTag_ = own;
     }
+}
+
+void ZRMSimulation::queueStarted() {
+    ledger_.clockReads(device_.now().secondsSince1970);
+    ledger_.queueStarted();
 }
 
 void ZRMSimulation::readLog() {
@@ -192,6 +196,7 @@ void ZRMSimulation::readLogLine(const std::string& line) {
                              kZRMStatisticsMaxStorageSize);
     } else if (const auto found = line.find(kExpiredLine); found != line.npos) {
         ledger_.dropped(std::stoul(line.substr(found + std::string(kExpiredLine).size())));
+        queueStarted();
     }
 }
 
@@ -214,6 +219,7 @@ void ZRMSimulation::rest() {
     if (!device_.isProcessAlive() || !isActive_) {
         return;
     }
+    queueStarted();
     ledger_.checkHandlers();
     if (ZRMSimulationStore::isMarkedDamaged(device_.disk())) {
         return;

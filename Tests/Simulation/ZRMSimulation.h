@@ -52,6 +52,7 @@ class ZRMSimulation {
     void happen(const std::string& what);
     void note(const std::string& what);
     void afterStep();
+    void queueStarted();
     void readLog();
     void readLogLine(const std::string& line);
 

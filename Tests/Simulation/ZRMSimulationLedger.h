@@ -49,6 +49,7 @@ class ZRMSimulationLedger {
     void lifeBegan(const std::optional<std::vector<ZRMSimulationRecord>>& stored);
     // The clock's range while the queue is started decides what is too old to be sent.
     void clockReads(double secondsSince1970);
+    // What was stored has been taken up: sent, or named in the log as expired.
     void queueStarted();
     [[nodiscard]] bool isQueueStarted() const { return !found_; }
     // This life goes on without a store: its events are uploaded or lost.

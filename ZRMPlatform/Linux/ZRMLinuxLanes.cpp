@@ -1,5 +1,7 @@
 #include "ZRMPlatform/Linux/ZRMLinuxLanes.h"
 
+#include <utility>
+
 #include "ZRMPlatform/Linux/ZRMLinuxWorkers.h"
 #include "ZRMPlatform/Ports/ZRMMutex.h"
 

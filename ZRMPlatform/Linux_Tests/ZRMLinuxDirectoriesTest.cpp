@@ -1,4 +1,6 @@
 #include <filesystem>
+#include <map>
+#include <string>
 
 #include <gtest/gtest.h>
 
@@ -33,7 +35,8 @@ TEST(ZRMLinuxDirectories, WithoutAHomeTheXdgDirectoriesHold) {
 }
 
 TEST(ZRMLinuxDirectories, WithoutXdgVariablesTheirDefaultsHold) {
-    const ZRMLinuxDirectories directories("", ZRMStubEnvironment({{"HOME", "/home/me"}}));
+    const ZRMLinuxDirectories directories(
+        "", ZRMStubEnvironment(std::map<std::string, std::string>{{"HOME", "/home/me"}}));
     EXPECT_EQ(directories.documents(), "/home/me/Documents");
     EXPECT_EQ(directories.applicationSupport(), "/home/me/.local/share");
     EXPECT_EQ(directories.preferences(), "/home/me/.config");

@@ -71,7 +71,7 @@ void ZRMStatisticsServiceImpl::start() {
     if (!storage_) {
         return;
     }
-    // In one block, so that a record stored meanwhile is either resent here or reported, not both.
+    // In one block, so that a record stored meanwhile is either counted here or reported, not both.
     storage_->context()->performBlockAndWait([this] {
         const auto dataSource = ZRMStatisticsDataSource::create(storage_->context());
         dataSource->addObserver(shared_from_this());
@@ -79,7 +79,14 @@ void ZRMStatisticsServiceImpl::start() {
             const ZRMLockGuard lock(mutex_);
             dataSource_ = dataSource;
         }
-        sendAllStatisticsFromStorage(*dataSource);
+        // Ahead of all that is sent from now on; the caller need not wait until thousands of
+        // records are fetched.
+        queue_->addBlock([weak = weak_from_this(), dataSource] {
+            const auto self = weak.lock();
+            if (self && self->dataSource() == dataSource) {
+                self->sendAllStatisticsFromStorage(*dataSource);
+            }
+        });
     });
 }
 

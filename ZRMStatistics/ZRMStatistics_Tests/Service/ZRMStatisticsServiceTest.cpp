@@ -131,6 +131,7 @@ TEST_F(ZRMStatisticsServiceTest, StartingTwiceOnlyLogs) {
     putRecord("event", 10);
     start();
     service_->start();
+    device_.runUntilIdle();
     EXPECT_EQ(countVerbose("Service already started"), 1U);
     EXPECT_EQ(sender_->sent().size(), 1U);
     EXPECT_EQ(device_.console().text(), "");
@@ -209,7 +210,37 @@ TEST_F(ZRMStatisticsServiceTest, StartSendsWhatIsStoredByPriorityAndAge) {
     putRecord("first", 5, 1);
     putRecord("second new", 20, 2);
     start();
+    device_.runUntilIdle();
     EXPECT_THAT(sender_->texts(), ElementsAre("first", "second old", "second new", "third"));
+}
+
+TEST_F(ZRMStatisticsServiceTest, StartCountsWhatIsStoredAndLeavesItsSendingToTheQueue) {
+    putRecord("stored", 10, 3);
+    start();
+    EXPECT_EQ(service_->pendingEventCount(), 1U);
+    EXPECT_THAT(sender_->sent(), IsEmpty());
+    device_.runUntilIdle();
+    EXPECT_THAT(sender_->texts(), ElementsAre("stored"));
+}
+
+TEST_F(ZRMStatisticsServiceTest, WhatIsStoredIsSentBeforeAnEventSentRightAfterTheStart) {
+    putRecord("stored", 10, 3);
+    start();
+    sendAndStore("event", 1);
+    ASSERT_EQ(sender_->sent().size(), 2U);
+    EXPECT_EQ(sender_->texts().front(), "stored");
+    EXPECT_EQ(sender_->names().back(), "event");
+}
+
+TEST_F(ZRMStatisticsServiceTest, AStopBeforeTheQueueRunsLeavesStoredRecordsToTheNextStart) {
+    putRecord("stored", 10);
+    start();
+    service_->stop();
+    device_.runUntilIdle();
+    EXPECT_THAT(sender_->sent(), IsEmpty());
+    service_->start();
+    device_.runUntilIdle();
+    EXPECT_THAT(sender_->texts(), ElementsAre("stored"));
 }
 
 TEST_F(ZRMStatisticsServiceTest, StartDeletesWhatIsExpiredWithoutSendingItAndTheLogSaysHowMany) {
@@ -229,6 +260,7 @@ TEST_F(ZRMStatisticsServiceTest, StartTellsAgeByTheServersTimeOnceItIsKnown) {
     insert(*openContext(), "new for the server", 1700000000.0 - 30 * kDay);
     insert(*openContext(), "old for the server", 1700000000.0 - 30 * kDay - 1);
     start();
+    device_.runUntilIdle();
     EXPECT_THAT(sender_->texts(), ElementsAre("new for the server"));
 }
 
