@@ -113,6 +113,12 @@ TEST(ZRMDateFormatter, APatternThatIsNoneWritesAndReadsNothing) {
     EXPECT_EQ(formatter.dateFromString("2024"), std::nullopt);
 }
 
+TEST(ZRMDateFormatter, ALocaleWithDigitsThatNobodyKnowsWritesAndReadsNothing) {
+    const ZRMDateFormatter formatter("yyyy", "UTC", "en_US@numbers=unknown");
+    EXPECT_EQ(formatter.stringFromDate({1709622489}), "");
+    EXPECT_EQ(formatter.dateFromString("2024"), std::nullopt);
+}
+
 TEST(ZRMDateFormatter, MayBeUsedFromManyThreadsAtOnce) {
     const ZRMDateFormatter formatter("EEE, dd MMM yyyy HH:mm:ss zzz", "GMT", "en_US_POSIX");
     const auto executor = zrm_makeDefaultPlatform()->executor;
