@@ -4,6 +4,7 @@
 #include <thread>
 
 #include <pthread.h>
+#include <sched.h>
 #include <signal.h>
 
 namespace {
@@ -30,7 +31,9 @@ bool zrm_startThread(const char* name, std::function<void()> body) {
     const AllSignalsBlocked blocked;
     try {
         std::thread([name, body = std::move(body)] {
+            const sched_param noPriority{};
             pthread_setname_np(pthread_self(), name);
+            pthread_setschedparam(pthread_self(), SCHED_BATCH, &noPriority);
             body();
         }).detach();
         return true;

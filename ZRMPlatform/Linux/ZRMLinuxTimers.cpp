@@ -71,13 +71,17 @@ ZRMLinuxTimers& ZRMLinuxTimers::shared() {
 }
 
 void ZRMLinuxTimers::add(const std::shared_ptr<ZRMLinuxTimer>& timer, ZRMLinuxTimePoint due) {
-    const ZRMLockGuard lock(mutex_);
-    schedule_.emplace(due, timer);
-    if (!isStarted_) {
-        isStarted_ = zrm_startThread("zrm-timers", [this] { serve(); });
+    bool isFirst = false;
+    {
+        const ZRMLockGuard lock(mutex_);
+        schedule_.emplace(due, timer);
+        isFirst = schedule_.begin()->second == timer;
+        if (!isStarted_) {
+            isStarted_ = zrm_startThread("zrm-timers", [this] { serve(); });
+        }
     }
-    if (schedule_.begin()->second == timer) {
-        changed_.notify_one();
+    if (isFirst) {
+        changed_.notifyOne();
     }
 }
 
@@ -100,7 +104,7 @@ void ZRMLinuxTimers::serve() {
             changed_.wait(mutex_);
         } else {
             const auto due = schedule_.begin()->first;
-            changed_.wait_until(mutex_, due);
+            changed_.waitUntil(mutex_, due);
         }
         postDue();
     }

@@ -1,7 +1,6 @@
 // One-shot and repeating timers against the wall clock.
 #pragma once
 
-#include <condition_variable>
 #include <functional>
 #include <map>
 #include <memory>
@@ -57,7 +56,7 @@ class ZRMLinuxTimers {
     void postDue() ZRM_REQUIRES(mutex_);  // lets go of the lock for each
 
     ZRMMutex mutex_;
-    std::condition_variable_any changed_;
+    ZRMConditionVariable changed_;
     Schedule schedule_ ZRM_GUARDED_BY(mutex_);
     bool isStarted_ ZRM_GUARDED_BY(mutex_) = false;
 };

@@ -5,18 +5,16 @@
 #include "ZRMPlatform/Linux/ZRMLinuxThread.h"
 
 void ZRMLinuxWorkers::post(ZRMTask task) {
+    bool isThreadNeeded = false;
     {
         const ZRMLockGuard lock(mutex_);
         tasks_.push_back(std::move(task));
-        if (!needsThread()) {
-            if (idleThreads_ > 0) {
-                posted_.notify_one();
-            }
-            return;
-        }
-        ++threads_;
+        isThreadNeeded = needsThread();
+        threads_ += isThreadNeeded ? 1 : 0;
     }
-    if (!zrm_startThread(name_, [this] { serve(); })) {
+    if (!isThreadNeeded) {
+        posted_.notifyOne();
+    } else if (!zrm_startThread(name_, [this] { serve(); })) {
         const ZRMLockGuard lock(mutex_);
         --threads_;
     }

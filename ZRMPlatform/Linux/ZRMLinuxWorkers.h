@@ -1,7 +1,6 @@
 // Threads that run tasks for the life of the process.
 #pragma once
 
-#include <condition_variable>
 #include <deque>
 
 #include "ZRMPlatform/Ports/ZRMMutex.h"
@@ -26,7 +25,7 @@ class ZRMLinuxWorkers {
     const char* const name_;
     const int mostThreads_;
     ZRMMutex mutex_;
-    std::condition_variable_any posted_;
+    ZRMConditionVariable posted_;
     std::deque<ZRMTask> tasks_ ZRM_GUARDED_BY(mutex_);
     int threads_ ZRM_GUARDED_BY(mutex_) = 0;
     // Those that a post woke and that took nothing yet, too.

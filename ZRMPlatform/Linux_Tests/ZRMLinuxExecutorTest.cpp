@@ -1,11 +1,14 @@
 #include <chrono>
 #include <cstdlib>
+#include <optional>
 #include <set>
 #include <stdexcept>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <pthread.h>
+#include <sched.h>
 #include <signal.h>
 
 #include "ZRMPlatform/Linux/ZRMLinuxExecutor.h"
@@ -88,6 +91,18 @@ TEST(ZRMLinuxExecutor, ABlockedSerialQueueDoesNotHoldUpAnother) {
     blocked->post([&] { ended.set(freed.waitUntil([](bool held) { return held; })); });
     free->post([&] { freed.set(true); });
     EXPECT_TRUE(ended.waitUntil([](bool held) { return held; }));
+}
+
+TEST(ZRMLinuxExecutor, AWokenWorkerDoesNotTakeTheProcessorFromWhoWokeIt) {
+    ZRMAwaited<std::optional<int>> policy;
+    concurrentQueue()->post([&] {
+        int found = -1;
+        sched_param parameters{};
+        pthread_getschedparam(pthread_self(), &found, &parameters);
+        policy.set(found);
+    });
+    ASSERT_TRUE(policy.waitUntil([](const auto& held) { return held.has_value(); }));
+    EXPECT_EQ(policy.value(), SCHED_BATCH);
 }
 
 TEST(ZRMLinuxExecutor, APostNeverRunsTheTaskBeforeItReturns) {

@@ -1,6 +1,8 @@
 // Locks whose rules clang checks: what a lock guards cannot be touched where it is not held.
 #pragma once
 
+#include <chrono>
+#include <condition_variable>
 #include <mutex>
 
 #if defined(__clang__)
@@ -28,7 +30,29 @@ class ZRM_CAPABILITY("mutex") ZRMMutex {
     void unlock() ZRM_RELEASE() { mutex_.unlock(); }
 
   private:
+    friend class ZRMConditionVariable;
     std::mutex mutex_;
+};
+
+// Waits with a ZRMMutex held, and lets go of it meanwhile; returns with it held, also for no
+// reason. Who notifies lets go of the mutex first: the woken thread needs it at once.
+class ZRMConditionVariable {
+  public:
+    void wait(ZRMMutex& mutex) ZRM_REQUIRES(mutex) {
+        std::unique_lock held(mutex.mutex_, std::adopt_lock);
+        notified_.wait(held);
+        held.release();
+    }
+    // By the wall clock.
+    void waitUntil(ZRMMutex& mutex, std::chrono::system_clock::time_point end) ZRM_REQUIRES(mutex) {
+        std::unique_lock held(mutex.mutex_, std::adopt_lock);
+        notified_.wait_until(held, end);
+        held.release();
+    }
+    void notifyOne() { notified_.notify_one(); }
+
+  private:
+    std::condition_variable notified_;
 };
 
 // May be taken again by the thread that holds it.
