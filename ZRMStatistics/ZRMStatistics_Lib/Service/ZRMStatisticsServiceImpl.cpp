@@ -80,11 +80,13 @@ void ZRMStatisticsServiceImpl::start() {
             dataSource_ = dataSource;
         }
         // Ahead of all that is sent from now on; the caller need not wait until thousands of
-        // records are fetched.
-        queue_->addBlock([weak = weak_from_this(), dataSource] {
+        // records are fetched. The time is that of the start: an answer may set the clock
+        // meanwhile.
+        const auto now = zrm_statisticsTimestamp(*serverTimeProvider_, platform_->clock->now());
+        queue_->addBlock([weak = weak_from_this(), dataSource, now] {
             const auto self = weak.lock();
             if (self && self->dataSource() == dataSource) {
-                self->sendAllStatisticsFromStorage(*dataSource);
+                self->sendAllStatisticsFromStorage(*dataSource, now);
             }
         });
     });
@@ -240,8 +242,7 @@ void ZRMStatisticsServiceImpl::deleteAllStatisticsFromStorageIfNeeded() {
 }
 
 void ZRMStatisticsServiceImpl::sendAllStatisticsFromStorage(
-    const ZRMStatisticsDataSource& dataSource) {
-    const auto now = zrm_statisticsTimestamp(*serverTimeProvider_, platform_->clock->now());
+    const ZRMStatisticsDataSource& dataSource, double now) {
     const auto plan = zrm_planResend(dataSource.fetchedStatisticsToSend(), now);
     for (const auto& data : plan.toSend) {
         sender_->sendStatisticsData(data);

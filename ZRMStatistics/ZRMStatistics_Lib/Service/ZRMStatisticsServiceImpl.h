@@ -64,7 +64,8 @@ class ZRMStatisticsServiceImpl final
     void statisticsSenderDidFailToSendData(ZRMStatisticsSender& sender, const Data& data,
                                            const ZRMError& error) override;
 
-    void sendAllStatisticsFromStorage(const ZRMStatisticsDataSource& dataSource);
+    // `now`, seconds since 1970, tells which have expired.
+    void sendAllStatisticsFromStorage(const ZRMStatisticsDataSource& dataSource, double now);
     [[nodiscard]] std::shared_ptr<ZRMStatisticsPipeline> makePipeline();
     // Absent, with a line on the console, while stopped.
     struct Entrance {

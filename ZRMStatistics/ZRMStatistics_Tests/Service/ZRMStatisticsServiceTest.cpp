@@ -264,6 +264,15 @@ TEST_F(ZRMStatisticsServiceTest, StartTellsAgeByTheServersTimeOnceItIsKnown) {
     EXPECT_THAT(sender_->texts(), ElementsAre("new for the server"));
 }
 
+TEST_F(ZRMStatisticsServiceTest, TheServersTimeThatComesAfterTheStartExpiresNothing) {
+    putRecord("good", 10);
+    start();
+    time_->setTime("Thu, 01 Jan 2099 00:00:00 GMT");
+    device_.runUntilIdle();
+    EXPECT_THAT(sender_->texts(), ElementsAre("good"));
+    EXPECT_THAT(errors(), IsEmpty());
+}
+
 TEST_F(ZRMStatisticsServiceTest, QueueThatIsExactlyFullIsNotEmptied) {
     makeService(5);
     insert(*storage_->context(), "12345", device_.now().secondsSince1970);
