@@ -5,6 +5,7 @@
 #include "ZRMPlatform/HostFed/ZRMHostSignals.h"
 #include "ZRMPlatform/Linux/ZRMLinuxPlatform.h"
 #include "ZRMPlatform/Linux/ZRMLinuxReachability.h"
+#include "ZRMPlatform/Linux/ZRMLinuxUserDefaults.h"
 #include "ZRMPlatform/Linux_Tests/ZRMLinuxRouteStubs.h"
 #include "ZRMPlatform/Linux_Tests/ZRMTestDirectory.h"
 #include "ZRMPlatform/Linux_Tests/ZRMTestHttpServer.h"
@@ -17,6 +18,10 @@ class LinuxBody final : public ZRMContractBody {
         restart();
         platform_->fileManager->createDirectory(home_.below("scratch"));
     }
+    // Before the home goes.
+    ~LinuxBody() override { ZRMLinuxUserDefaults::synchronize(); }
+    LinuxBody(const LinuxBody&) = delete;
+    LinuxBody& operator=(const LinuxBody&) = delete;
 
     std::shared_ptr<const ZRMPlatform> platform() override { return platform_; }
     bool waitFor(ZRMContractNotes& notes, const ZRMContractNotes::Predicate& fits) override {
@@ -47,6 +52,7 @@ class LinuxBody final : public ZRMContractBody {
         return requests;
     }
     void restart() override {
+        ZRMLinuxUserDefaults::synchronize();
         ZRMLinuxPlatformOptions options;
         options.homeDirectory = home_.below("home");
         options.hostSignals = signals_;

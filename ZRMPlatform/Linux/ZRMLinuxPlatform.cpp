@@ -67,8 +67,9 @@ void addStores(ZRMPlatform& platform, const ZRMLinuxPlatformOptions& options) {
         std::make_shared<ZRMLinuxDirectories>(options.homeDirectory, *platform.processEnvironment);
     platform.directories = directories;
     platform.fileManager = std::make_shared<ZRMLinuxFileManager>();
-    platform.userDefaults =
-        std::make_shared<ZRMLinuxUserDefaults>(directories->preferences(), platform.consoleLog);
+    platform.userDefaults = std::make_shared<ZRMLinuxUserDefaults>(
+        directories->preferences(), platform.consoleLog,
+        platform.executor->concurrentQueue(ZRMQualityOfService::Utility));
     platform.keyedArchiver = std::make_shared<ZRMLinuxKeyedArchiver>();
     platform.keychainItems =
         makeKeychain(!options.homeDirectory.empty(), *directories, platform.consoleLog);

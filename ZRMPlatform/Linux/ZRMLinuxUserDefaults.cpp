@@ -1,117 +1,32 @@
 #include "ZRMPlatform/Linux/ZRMLinuxUserDefaults.h"
 
-#include <algorithm>
-#include <array>
-#include <map>
-#include <variant>
-
-#include "ZRMPlatform/Linux/ZRMLinuxPropertyListFile.h"
-#include "ZRMPlatform/Ports/ZRMMutex.h"
+#include "ZRMPlatform/Linux/ZRMLinuxDefaultsFile.h"
 
 namespace {
 
-using StoredValue = std::variant<double, std::string>;
-using StoredValues = std::map<std::string, StoredValue>;
-
-// What could not be written, by file, for the process's life.
-struct Unwritten {
-    ZRMMutex mutex;
-    std::map<std::string, StoredValues> byPath ZRM_GUARDED_BY(mutex);
-};
-
-Unwritten& unwritten() {
-    static auto* const values = new Unwritten;
-    return *values;
-}
-
-// libplist takes keys and strings that end at the first NUL.
-bool canBeWritten(const std::string& key, const StoredValue& value) {
-    const auto* const text = std::get_if<std::string>(&value);
-    return key.find('\0') == std::string::npos &&
-           (text == nullptr || text->find('\0') == std::string::npos);
-}
-
-plist_t nodeOf(const StoredValue& value) {
-    if (const auto* const number = std::get_if<double>(&value)) {
-        return plist_new_real(*number);
-    }
-    return plist_new_string(std::get<std::string>(value).c_str());
-}
-
-std::optional<double> read(plist_t node, double*) {
-    return zrm_propertyListReal(node);
-}
-
-std::optional<std::string> read(plist_t node, std::string*) {
-    return zrm_propertyListString(node);
-}
-
 class Suite : public ZRMUserDefaultsSuite {
   public:
-    Suite(std::string path, std::shared_ptr<ZRMConsoleLog> console)
-        : file_(std::move(path), console, ZRMLinuxPropertyListFile::Durability::System),
-          console_(std::move(console)) {}
+    Suite(std::shared_ptr<ZRMLinuxDefaultsFile> file, std::shared_ptr<ZRMQueue> writes)
+        : file_(std::move(file)), writes_(std::move(writes)) {}
 
     [[nodiscard]] std::optional<double> doubleForKey(const std::string& key) const override {
-        return valueOf<double>(key);
+        return file_->valueForKey<double>(key);
     }
     [[nodiscard]] std::optional<std::string> stringForKey(const std::string& key) const override {
-        return valueOf<std::string>(key);
+        return file_->valueForKey<std::string>(key);
     }
     void setDouble(const std::string& key, double value) override { set(key, value); }
     void setString(const std::string& key, const std::string& value) override { set(key, value); }
 
   private:
-    template <class T>
-    std::optional<T> valueOf(const std::string& key) const {
-        auto& kept = unwritten();
-        const ZRMLockGuard lock(kept.mutex);
-        if (const auto values = kept.byPath.find(file_.path()); values != kept.byPath.end()) {
-            if (const auto found = values->second.find(key); found != values->second.end()) {
-                const auto* const value = std::get_if<T>(&found->second);
-                return value != nullptr ? std::optional(*value) : std::nullopt;
-            }
-        }
-        const auto list = file_.read();
-        if (!list || key.find('\0') != std::string::npos) {
-            return std::nullopt;
-        }
-        return read(zrm_propertyListEntry(list.value().get(), key.c_str()),
-                    static_cast<T*>(nullptr));
-    }
-
-    // Takes along what earlier writes had to leave in memory.
-    void set(const std::string& key, StoredValue value) {
-        auto& kept = unwritten();
-        const ZRMLockGuard lock(kept.mutex);
-        auto& values = kept.byPath[file_.path()];
-        values.insert_or_assign(key, std::move(value));
-        const auto failure = file_.update([&values](plist_t dictionary) {
-            for (const auto& [name, held] : values) {
-                if (canBeWritten(name, held)) {
-                    plist_dict_set_item(dictionary, name.c_str(), nodeOf(held));
-                }
-            }
-            return true;
-        });
-        if (failure) {
-            console_->write("Cannot write the user defaults: " + failure->localizedDescription() +
-                            "\n");
-            return;
-        }
-        std::erase_if(values,
-                      [](const auto& entry) { return canBeWritten(entry.first, entry.second); });
-        if (values.contains(key)) {
-            console_->write("Cannot write a value that holds a NUL to the user defaults " +
-                            file_.path() + "\n");
-        }
-        if (values.empty()) {
-            kept.byPath.erase(file_.path());
+    void set(const std::string& key, ZRMLinuxDefaultsFile::Value value) {
+        if (file_->setValue(key, std::move(value))) {
+            writes_->post([file = file_] { file->write(); });
         }
     }
 
-    ZRMLinuxPropertyListFile file_;
-    std::shared_ptr<ZRMConsoleLog> console_;
+    const std::shared_ptr<ZRMLinuxDefaultsFile> file_;
+    const std::shared_ptr<ZRMQueue> writes_;
 };
 
 std::string fileNameOf(const std::string& suite) {
@@ -135,9 +50,15 @@ std::string fileNameOf(const std::string& suite) {
 }  // namespace
 
 ZRMLinuxUserDefaults::ZRMLinuxUserDefaults(std::string directory,
-                                           std::shared_ptr<ZRMConsoleLog> console)
-    : directory_(std::move(directory)), console_(std::move(console)) {}
+                                           std::shared_ptr<ZRMConsoleLog> console,
+                                           std::shared_ptr<ZRMQueue> writes)
+    : directory_(std::move(directory)), console_(std::move(console)), writes_(std::move(writes)) {}
 
 std::unique_ptr<ZRMUserDefaultsSuite> ZRMLinuxUserDefaults::openSuite(const std::string& name) {
-    return std::make_unique<Suite>(directory_ + "/" + fileNameOf(name), console_);
+    return std::make_unique<Suite>(
+        ZRMLinuxDefaultsFile::at(directory_ + "/" + fileNameOf(name), console_), writes_);
+}
+
+void ZRMLinuxUserDefaults::synchronize() {
+    ZRMLinuxDefaultsFile::writeAll();
 }

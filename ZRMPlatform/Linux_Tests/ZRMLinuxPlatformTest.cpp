@@ -5,6 +5,7 @@
 
 #include "ZRMPlatform/HostFed/ZRMHostSignals.h"
 #include "ZRMPlatform/Linux/ZRMLinuxPlatform.h"
+#include "ZRMPlatform/Linux/ZRMLinuxUserDefaults.h"
 #include "ZRMPlatform/Linux_Tests/ZRMTestDirectory.h"
 
 namespace {
@@ -61,6 +62,7 @@ TEST(ZRMLinuxPlatform, AHomeHoldsDefaultsAndSecretsAndNeedsNoSecretService) {
     const ZRMTestDirectory home;
     const auto platform = zrm_makeLinuxPlatform({.homeDirectory = home.path()});
     platform->userDefaults->openSuite("com.example.suite")->setDouble("key", 1);
+    ZRMLinuxUserDefaults::synchronize();
     EXPECT_TRUE(std::filesystem::exists(home.below("Library/Preferences/com.example.suite.plist")));
     ZRMKeychainQuery query;
     query.account = "account";

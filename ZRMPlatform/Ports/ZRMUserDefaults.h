@@ -6,9 +6,9 @@
 #include <string>
 
 // Values are typed on reading: a value of another type reads as absent. A write is seen by every
-// later read of any handle on the suite and survives the process. May be called from any thread.
-// A write that fails keeps the value in memory for this handle's process and says so on the
-// console.
+// later read of any handle on the suite and does not wait for the disk; it survives the exit of the
+// process, and a moment later its end by a signal. May be called from any thread. A write that
+// fails keeps the value in memory for this process and says so on the console.
 class ZRMUserDefaultsSuite {
   public:
     virtual ~ZRMUserDefaultsSuite() = default;
