@@ -17,11 +17,7 @@ std::shared_ptr<ZRMStatisticsDataSource> ZRMStatisticsDataSource::create(
     std::shared_ptr<ZRMStatisticsContext> context) {
     std::shared_ptr<ZRMStatisticsDataSource> dataSource(
         new ZRMStatisticsDataSource(std::move(context)));
-    // In one block, so that every record is either counted by the fetch or reported as a change.
-    dataSource->context_->performBlockAndWait([&] {
-        dataSource->performFetch();
-        dataSource->context_->addObserver(dataSource);
-    });
+    dataSource->context_->addObserver(dataSource);
     return dataSource;
 }
 
@@ -32,20 +28,32 @@ ZRMStatisticsDataSource::~ZRMStatisticsDataSource() {
     context_->removeObserver(this);
 }
 
-void ZRMStatisticsDataSource::performFetch() {
-    const auto totals = context_->totals();
-    if (!totals) {
-        logFetchFailure(this, totals.error());
+void ZRMStatisticsDataSource::performFetch() const {
+    if (state_ != State::NotFetched) {
         return;
     }
-    size_ = totals.value().length;
-    count_ = totals.value().count;
-    isFetched_ = true;
+    // In one block, so that every record is either counted here or reported as a change.
+    context_->performBlockAndWait([this] {
+        if (state_ != State::NotFetched) {
+            return;
+        }
+        fetchedChanges_ = context_->savedChanges();
+        const auto totals = context_->totals();
+        if (!totals) {
+            logFetchFailure(this, totals.error());
+            state_ = State::Failed;
+            return;
+        }
+        size_ = totals.value().length;
+        count_ = totals.value().count;
+        state_ = State::Fetched;
+    });
 }
 
 std::vector<ZRMStatisticEntity> ZRMStatisticsDataSource::fetchedStatisticsToSend() const {
     std::vector<ZRMStatisticEntity> statistics;
-    if (!isFetched_) {
+    performFetch();
+    if (state_ == State::Failed) {
         return statistics;
     }
     context_->performBlockAndWait([&] {
@@ -59,6 +67,16 @@ std::vector<ZRMStatisticEntity> ZRMStatisticsDataSource::fetchedStatisticsToSend
     return statistics;
 }
 
+std::int64_t ZRMStatisticsDataSource::getStorageSize() const {
+    performFetch();
+    return size_;
+}
+
+std::int64_t ZRMStatisticsDataSource::count() const {
+    performFetch();
+    return count_;
+}
+
 void ZRMStatisticsDataSource::addObserver(
     const std::shared_ptr<ZRMStatisticsDataSourceObserver>& observer) {
     observers_.addObserver(observer);
@@ -68,19 +86,24 @@ void ZRMStatisticsDataSource::removeObserver(const ZRMStatisticsDataSourceObserv
     observers_.removeObserver(observer);
 }
 
+// A fetch between a save and the report of its changes has counted them.
+void ZRMStatisticsDataSource::follow(const ZRMStatisticsChange& change, std::int64_t sign) {
+    if (state_ != State::NotFetched && change.number > fetchedChanges_) {
+        size_ += sign * static_cast<std::int64_t>(change.data->length());
+        count_ += sign;
+    }
+}
+
 void ZRMStatisticsDataSource::contextDidSaveChange(const ZRMStatisticsChange& change) {
-    const auto length = static_cast<std::int64_t>(change.data->length());
     switch (change.kind) {
         case ZRMStatisticsChangeKind::Insert:
-            size_ += length;
-            ++count_;
+            follow(change, 1);
             observers_.notifyWithBlock([&](ZRMStatisticsDataSourceObserver& observer) {
                 observer.dataSourceDidInsertStatisticsData(*this, change.data);
             });
             break;
         case ZRMStatisticsChangeKind::Delete:
-            size_ -= length;
-            --count_;
+            follow(change, -1);
             observers_.notifyWithBlock([&](ZRMStatisticsDataSourceObserver& observer) {
                 observer.dataSourceDidDeleteStatisticsData(*this, change.data);
             });

@@ -13,8 +13,9 @@
 // May be used from any thread.
 class ZRMStatisticsDataSource final : public ZRMStatisticsContextObserver {
   public:
-    // Looks at the store as it is now and follows its changes from then on. A store that cannot be
-    // read is logged and counts as empty.
+    // Follows the changes of the store from now on. What is stored already is counted when
+    // something is first asked, which takes a look at every record. A store that cannot be read is
+    // logged then and counts as empty.
     static std::shared_ptr<ZRMStatisticsDataSource> create(
         std::shared_ptr<ZRMStatisticsContext> context);
 
@@ -25,8 +26,8 @@ class ZRMStatisticsDataSource final : public ZRMStatisticsContextObserver {
     // Oldest first; the bytes stay in the store.
     [[nodiscard]] std::vector<ZRMStatisticEntity> fetchedStatisticsToSend() const;
     // Bytes of all records together.
-    [[nodiscard]] std::int64_t getStorageSize() const { return size_; }
-    [[nodiscard]] std::int64_t count() const { return count_; }
+    [[nodiscard]] std::int64_t getStorageSize() const;
+    [[nodiscard]] std::int64_t count() const;
 
     // Kept weakly. Not from inside a notification.
     void addObserver(const std::shared_ptr<ZRMStatisticsDataSourceObserver>& observer);
@@ -35,12 +36,16 @@ class ZRMStatisticsDataSource final : public ZRMStatisticsContextObserver {
   private:
     explicit ZRMStatisticsDataSource(std::shared_ptr<ZRMStatisticsContext> context);
 
-    void performFetch();
+    void performFetch() const;
+    void follow(const ZRMStatisticsChange& change, std::int64_t sign);
     void contextDidSaveChange(const ZRMStatisticsChange& change) override;
 
     std::shared_ptr<ZRMStatisticsContext> context_;
     ZRMObserversCollection<ZRMStatisticsDataSourceObserver> observers_;
-    std::atomic<bool> isFetched_{false};
-    std::atomic<std::int64_t> size_{0};
-    std::atomic<std::int64_t> count_{0};
+    // Written inside the context's blocks.
+    enum class State { NotFetched, Fetched, Failed };
+    mutable std::atomic<State> state_{State::NotFetched};
+    mutable std::atomic<std::int64_t> size_{0};
+    mutable std::atomic<std::int64_t> count_{0};
+    mutable std::uint64_t fetchedChanges_ = 0;  // the last change that the fetch saw
 };

@@ -164,6 +164,11 @@ ZRMResult<ZRMStatisticsTable::Totals> ZRMStatisticsContext::totals() {
     }
 }
 
+std::uint64_t ZRMStatisticsContext::savedChanges() {
+    const ZRMLockGuard lock(mutex_);
+    return savedChanges_;
+}
+
 std::optional<ZRMError> ZRMStatisticsContext::save() {
     const ZRMLockGuard lock(mutex_);
     if (!isChanging_) {
@@ -177,7 +182,10 @@ std::optional<ZRMError> ZRMStatisticsContext::save() {
         return error;
     }
     isChanging_ = false;
-    const auto saved = std::exchange(changes_, {});
+    auto saved = std::exchange(changes_, {});
+    for (auto& change : saved) {
+        change.number = ++savedChanges_;
+    }
     for (const auto& change : saved) {
         observers_.notifyWithBlock([&change](ZRMStatisticsContextObserver& observer) {
             observer.contextDidSaveChange(change);

@@ -1,6 +1,7 @@
 // The one way to the queue's records.
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -20,6 +21,7 @@ enum class ZRMStatisticsChangeKind : int { Insert = 1, Delete = 2, Update = 4 };
 struct ZRMStatisticsChange {
     ZRMStatisticsChangeKind kind;
     std::shared_ptr<ZRMStatisticsData> data;  // the record's bytes; still readable after a deletion
+    std::uint64_t number = 0;  // of the changes of this context that were saved, from 1
 };
 
 class ZRMStatisticsContextObserver {
@@ -58,6 +60,8 @@ class ZRMStatisticsContext final : public std::enable_shared_from_this<ZRMStatis
     // The record that the data stands for; absent when it stands for none, or for one that is gone.
     ZRMResult<std::optional<ZRMStatisticEntity>> statisticOf(const ZRMStatisticsData& data);
     ZRMResult<ZRMStatisticsTable::Totals> totals();
+    // The number of the last change saved, whether or not the observers know of it yet.
+    [[nodiscard]] std::uint64_t savedChanges();
 
     // On success the changes are on stable storage and the observers know of them; on an error
     // nothing is changed.
@@ -85,5 +89,6 @@ class ZRMStatisticsContext final : public std::enable_shared_from_this<ZRMStatis
     ZRMStatisticsTable table_ ZRM_GUARDED_BY(mutex_);
     bool isChanging_ ZRM_GUARDED_BY(mutex_) = false;
     std::vector<ZRMStatisticsChange> changes_ ZRM_GUARDED_BY(mutex_);
+    std::uint64_t savedChanges_ ZRM_GUARDED_BY(mutex_) = 0;
     std::deque<std::weak_ptr<ZRMStatisticsData>> recentlyInserted_ ZRM_GUARDED_BY(mutex_);
 };

@@ -54,6 +54,36 @@ TEST_F(ZRMStatisticsDataSourceTest, KnowsSizeAndCountOfWhatIsStoredAlready) {
     EXPECT_EQ(dataSource->count(), 2);
 }
 
+TEST_F(ZRMStatisticsDataSourceTest, CountsWhenItIsFirstAskedAndFollowsFromThenOn) {
+    const auto first = insert(*context_, "12345", 1);
+    const auto dataSource = ZRMStatisticsDataSource::create(context_);
+    insert(*context_, "123", 2);
+    remove(first);
+    EXPECT_EQ(dataSource->getStorageSize(), 3);
+    EXPECT_EQ(dataSource->count(), 1);
+    insert(*context_, "1", 3);
+    EXPECT_EQ(dataSource->getStorageSize(), 4);
+    EXPECT_EQ(dataSource->count(), 2);
+}
+
+TEST_F(ZRMStatisticsDataSourceTest, AFirstQuestionAmongTheReportsOfASaveCountsNothingTwice) {
+    insert(*context_, "12345", 1);
+    const auto dataSource = ZRMStatisticsDataSource::create(context_);
+    const auto observer = std::make_shared<RecordedReports>();
+    dataSource->addObserver(observer);
+    context_->performBlockAndWait([&] {
+        for (const auto* const text : {"a", "bc"}) {
+            ZRMStatisticEntity statistic;
+            statistic.jws = std::make_shared<ZRMStatisticsDataInMemory>(zrm_sharedData(text));
+            EXPECT_TRUE(context_->insertObject(statistic));
+        }
+        EXPECT_EQ(context_->save(), std::nullopt);
+    });
+    EXPECT_THAT(observer->texts, ElementsAre("insert a, size 8", "insert bc, size 8"));
+    EXPECT_EQ(dataSource->getStorageSize(), 8);
+    EXPECT_EQ(dataSource->count(), 3);
+}
+
 TEST_F(ZRMStatisticsDataSourceTest, FetchesEveryRecordOldestFirst) {
     insert(*context_, "b", 2);
     insert(*context_, "a", 1);

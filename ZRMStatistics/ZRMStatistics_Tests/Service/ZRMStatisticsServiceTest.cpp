@@ -3,10 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include "ZRMStatistics/ZRMStatistics_Lib/Service/ZRMStatisticsServiceImpl.h"
-#include "ZRMStatistics/ZRMStatistics_Tests/Support/ZRMRecordedSender.h"
-#include "ZRMStatistics/ZRMStatistics_Tests/Support/ZRMStatisticsDeviceTest.h"
-#include "ZRMStatistics/ZRMStatistics_Tests/Support/ZRMTestEvent.h"
+#include "ZRMStatistics/ZRMStatistics_Tests/Support/ZRMStatisticsServiceFixture.h"
 
 namespace {
 
@@ -16,42 +13,7 @@ using ::testing::MatchesRegex;
 
 constexpr double kDay = 86400;
 
-// The service over a store on the simulated disk, with a sender that only records.
-class ZRMStatisticsServiceTest : public ZRMStatisticsDeviceTest {
-  protected:
-    void makeService(std::int64_t maxStorageSize = kZRMStatisticsMaxStorageSize) {
-        service_.reset();
-        storage_ = openStorage();
-        service_ = std::make_shared<ZRMStatisticsServiceImpl>(device_.platform(), storage_, sender_,
-                                                              time_, maxStorageSize);
-    }
-    void makeServiceWithoutStorage() {
-        service_ =
-            std::make_shared<ZRMStatisticsServiceImpl>(device_.platform(), nullptr, sender_, time_);
-    }
-    void start() {
-        makeService();
-        service_->start();
-    }
-    void send(const std::string& name, std::int16_t priority = 1) {
-        service_->send(ZRMTestEvent(name), priority);
-    }
-    void sendAndStore(const std::string& name, std::int16_t priority = 1) {
-        send(name, priority);
-        device_.runUntilIdle();
-    }
-    ZRMStatisticEntity putRecord(std::string_view bytes, double ageSeconds,
-                                 std::int16_t priority = 1, std::int16_t activeDays = 1) {
-        return insert(*openContext(), bytes, device_.now().secondsSince1970 - ageSeconds, priority,
-                      activeDays);
-    }
-    [[nodiscard]] std::size_t storedCount() { return records(*storage_->context()).size(); }
-
-    std::shared_ptr<ZRMServerTimeProvider> time_ = unknownServerTime();
-    std::shared_ptr<ZRMRecordedSender> sender_ = std::make_shared<ZRMRecordedSender>();
-    std::shared_ptr<ZRMStatisticsStorage> storage_;
-    std::shared_ptr<ZRMStatisticsServiceImpl> service_;
-};
+class ZRMStatisticsServiceTest : public ZRMStatisticsServiceFixture {};
 
 }  // namespace
 
@@ -204,75 +166,6 @@ TEST_F(ZRMStatisticsServiceTest, FailureMoreThanADayAfterTheLastCountedOneCounts
     EXPECT_EQ(records(*storage_->context())[0].activeDays, 2);
 }
 
-TEST_F(ZRMStatisticsServiceTest, StartSendsWhatIsStoredByPriorityAndAge) {
-    putRecord("third", 10, 3);
-    putRecord("second old", 30, 2);
-    putRecord("first", 5, 1);
-    putRecord("second new", 20, 2);
-    start();
-    device_.runUntilIdle();
-    EXPECT_THAT(sender_->texts(), ElementsAre("first", "second old", "second new", "third"));
-}
-
-TEST_F(ZRMStatisticsServiceTest, StartCountsWhatIsStoredAndLeavesItsSendingToTheQueue) {
-    putRecord("stored", 10, 3);
-    start();
-    EXPECT_EQ(service_->pendingEventCount(), 1U);
-    EXPECT_THAT(sender_->sent(), IsEmpty());
-    device_.runUntilIdle();
-    EXPECT_THAT(sender_->texts(), ElementsAre("stored"));
-}
-
-TEST_F(ZRMStatisticsServiceTest, WhatIsStoredIsSentBeforeAnEventSentRightAfterTheStart) {
-    putRecord("stored", 10, 3);
-    start();
-    sendAndStore("event", 1);
-    ASSERT_EQ(sender_->sent().size(), 2U);
-    EXPECT_EQ(sender_->texts().front(), "stored");
-    EXPECT_EQ(sender_->names().back(), "event");
-}
-
-TEST_F(ZRMStatisticsServiceTest, AStopBeforeTheQueueRunsLeavesStoredRecordsToTheNextStart) {
-    putRecord("stored", 10);
-    start();
-    service_->stop();
-    device_.runUntilIdle();
-    EXPECT_THAT(sender_->sent(), IsEmpty());
-    service_->start();
-    device_.runUntilIdle();
-    EXPECT_THAT(sender_->texts(), ElementsAre("stored"));
-}
-
-TEST_F(ZRMStatisticsServiceTest, StartDeletesWhatIsExpiredWithoutSendingItAndTheLogSaysHowMany) {
-    putRecord("31 days", 31 * kDay);
-    putRecord("four active days", 10, 1, 4);
-    putRecord("priority 0", 10, 0);
-    putRecord("good", 30 * kDay);
-    start();
-    device_.runUntilIdle();
-    EXPECT_THAT(sender_->texts(), ElementsAre("good"));
-    EXPECT_THAT(contents(*storage_->context()), ElementsAre("good"));
-    EXPECT_THAT(errors(), ElementsAre("Statistics deleted because they expired: 3"));
-}
-
-TEST_F(ZRMStatisticsServiceTest, StartTellsAgeByTheServersTimeOnceItIsKnown) {
-    time_ = knownServerTime();
-    insert(*openContext(), "new for the server", 1700000000.0 - 30 * kDay);
-    insert(*openContext(), "old for the server", 1700000000.0 - 30 * kDay - 1);
-    start();
-    device_.runUntilIdle();
-    EXPECT_THAT(sender_->texts(), ElementsAre("new for the server"));
-}
-
-TEST_F(ZRMStatisticsServiceTest, TheServersTimeThatComesAfterTheStartExpiresNothing) {
-    putRecord("good", 10);
-    start();
-    time_->setTime("Thu, 01 Jan 2099 00:00:00 GMT");
-    device_.runUntilIdle();
-    EXPECT_THAT(sender_->texts(), ElementsAre("good"));
-    EXPECT_THAT(errors(), IsEmpty());
-}
-
 TEST_F(ZRMStatisticsServiceTest, QueueThatIsExactlyFullIsNotEmptied) {
     makeService(5);
     insert(*storage_->context(), "12345", device_.now().secondsSince1970);
@@ -340,27 +233,6 @@ TEST_F(ZRMStatisticsServiceTest, WithoutAStorageItStartsAndStopsOnceToo) {
     EXPECT_EQ(countVerbose("Service already stopped"), 0U);
     service_->stop();
     EXPECT_EQ(countVerbose("Service already stopped"), 1U);
-}
-
-TEST_F(ZRMStatisticsServiceTest, RestartSendsARecordStoredJustBeforeItOnce) {
-    start();
-    send("event");
-    service_->stop();
-    service_->start();
-    device_.runUntilIdle();
-    EXPECT_EQ(sender_->sent().size(), 1U);
-}
-
-TEST_F(ZRMStatisticsServiceTest, RestartAfterARecordWasStoredSendsItOnce) {
-    start();
-    send("event");
-    while (storedCount() == 0) {
-        ASSERT_TRUE(device_.runOneTask());
-    }
-    service_->stop();
-    service_->start();
-    device_.runUntilIdle();
-    EXPECT_EQ(sender_->sent().size(), 1U);
 }
 
 TEST_F(ZRMStatisticsServiceTest, EventsSentInOneGoShareASave) {
@@ -504,16 +376,6 @@ TEST_F(ZRMStatisticsServiceTest, ServiceMayBeDroppedWhileItsEventsAreStored) {
     service_.reset();
     device_.runUntilIdle();
     EXPECT_EQ(storedCount(), 100U);
-}
-
-TEST_F(ZRMStatisticsServiceTest, EventsOfASecondStartFollowThoseOfTheFirst) {
-    start();
-    send("one");
-    service_->stop();
-    service_->start();
-    send("two");
-    device_.runUntilIdle();
-    EXPECT_THAT(sender_->names(), ElementsAre("one", "two"));
 }
 
 TEST_F(ZRMStatisticsServiceTest, EachEventIsLoggedBeforeTheQueueIsEmptiedForIt) {
