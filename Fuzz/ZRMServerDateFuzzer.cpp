@@ -1,4 +1,5 @@
-// The server's date: what reads as one reads back the same when written.
+// The server's date: what reads as one reads back the same when written, and what is read without
+// ICU is read alike by ICU.
 #include "Fuzz/ZRMFuzz.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSDateFormatter/NSDateFormatter+ZRMCoreKit.h"
 #include "ZRMPlatform/Simulated/ZRMSimulatedDevice.h"
@@ -20,7 +21,12 @@ void installDeviceInGreenwich() {
 void zrm_fuzz(std::span<const std::uint8_t> input) {
     installDeviceInGreenwich();
     const auto formatter = zrm_serverTimeFormatter();
-    const auto date = formatter->dateFromString(zrm_textOfInput(input));
+    const auto read = zrm_textOfInput(input);
+    const auto date = formatter->dateFromString(read);
+    // Another spelling of the same pattern, for which there is no way around ICU.
+    static const ZRMDateFormatter icu("EEE, dd MMM yyyy HH:mm:ss z", "GMT",
+                                      kZRMPosixLocaleIdentifier);
+    ZRM_FUZZ_ASSERT(icu.dateFromString(read) == date);
     if (!date || date->secondsSince1970 < kFirstSeconds || date->secondsSince1970 >= kEndSeconds) {
         return;
     }

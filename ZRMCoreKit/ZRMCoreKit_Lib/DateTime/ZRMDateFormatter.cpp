@@ -2,11 +2,9 @@
 
 #include <cmath>
 
-#include <unicode/gregocal.h>
-#include <unicode/smpdtfmt.h>
-
+#include "ZRMCoreKit/ZRMCoreKit_Lib/DateTime/ZRMHttpDate.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/DateTime/ZRMIcuDateFormat.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMText.h"
-#include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMUnicodeString.h"
 #include "ZRMPlatform/Ports/ZRMMutex.h"
 
 namespace {
@@ -24,77 +22,48 @@ bool isUtc(std::string_view timeZone) {
 
 }  // namespace
 
-// ICU's formatters keep state while they work; the mutex guards it. Making one reads much of ICU's
-// data, so it is made when something is first asked of it.
+// Making a formatter of ICU reads much of ICU's data, so it is made when something is first asked
+// of it. The mutex guards it.
 class ZRMDateFormatter::IcuFormat {
   public:
     IcuFormat(std::string_view pattern, std::string_view timeZone, std::string_view locale)
         : pattern_(pattern), timeZone_(timeZone), locale_(locale) {}
 
     std::string stringFromMilliseconds(double milliseconds) {
-        icu::UnicodeString text;
-        {
-            const ZRMLockGuard lock(mutex_);
-            if (auto* const format = made()) {
-                format->format(milliseconds, text);
-            }
-        }
-        std::string utf8;
-        text.toUTF8String(utf8);
-        return utf8;
+        const ZRMLockGuard lock(mutex_);
+        const auto* const format = made();
+        return format != nullptr ? format->textFromMilliseconds(milliseconds) : std::string();
     }
 
     std::optional<ZRMDate> dateFromString(std::string_view text) {
-        const auto unicode = zrm_unicodeString(text);
-        icu::ParsePosition position(0);
-        UDate milliseconds = 0;
-        {
-            const ZRMLockGuard lock(mutex_);
-            if (auto* const format = made()) {
-                milliseconds = format->parse(unicode, position);
-            }
-        }
-        const bool isWhole = position.getErrorIndex() < 0 && position.getIndex() > 0 &&
-                             position.getIndex() == unicode.length();
-        return isWhole ? std::optional(ZRMDate{milliseconds / 1e3}) : std::nullopt;
+        const ZRMLockGuard lock(mutex_);
+        const auto* const format = made();
+        const auto milliseconds =
+            format != nullptr ? format->millisecondsFromText(text) : std::nullopt;
+        return milliseconds ? std::optional(ZRMDate{*milliseconds / 1e3}) : std::nullopt;
     }
 
   private:
-    using Format = std::unique_ptr<icu::SimpleDateFormat>;
-
-    // Null without ICU's data: dates are then neither written nor read.
-    icu::SimpleDateFormat* made() ZRM_REQUIRES(mutex_) {
+    // Null without ICU or its data: dates are then neither written nor read.
+    const ZRMIcuDateFormat* made() ZRM_REQUIRES(mutex_) {
         if (!format_) {
-            format_ = make();
+            format_ = ZRMIcuDateFormat::withPattern(pattern_, timeZone_, locale_);
         }
         return format_->get();
-    }
-
-    [[nodiscard]] Format make() const {
-        UErrorCode status = U_ZERO_ERROR;
-        const icu::Locale icuLocale(locale_.c_str());
-        auto format =
-            std::make_unique<icu::SimpleDateFormat>(zrm_unicodeString(pattern_), icuLocale, status);
-        auto calendar = std::make_unique<icu::GregorianCalendar>(
-            icu::TimeZone::createTimeZone(zrm_unicodeString(timeZone_)), icuLocale, status);
-        if (U_FAILURE(status)) {
-            return nullptr;
-        }
-        format->adoptCalendar(calendar.release());
-        format->setLenient(false);
-        return format;
     }
 
     const std::string pattern_;
     const std::string timeZone_;
     const std::string locale_;
     ZRMMutex mutex_;
-    std::optional<Format> format_ ZRM_GUARDED_BY(mutex_);  // absent until it was needed
+    // Absent until it was needed.
+    std::optional<std::unique_ptr<ZRMIcuDateFormat>> format_ ZRM_GUARDED_BY(mutex_);
 };
 
 ZRMDateFormatter::ZRMDateFormatter(std::string_view pattern, std::string_view timeZone,
                                    std::string_view locale)
-    : icu_(std::make_unique<IcuFormat>(pattern, timeZone, locale)) {
+    : readsHttpDates_(pattern == kZRMHttpDatePattern && locale == kZRMPosixLocaleIdentifier),
+      icu_(std::make_unique<IcuFormat>(pattern, timeZone, locale)) {
     if (isUtc(timeZone) && locale == kZRMPosixLocaleIdentifier) {
         numeric_ = ZRMNumericDatePattern::fromPattern(pattern);
     }
@@ -116,6 +85,11 @@ std::string ZRMDateFormatter::stringFromDate(ZRMDate date) const {
 }
 
 std::optional<ZRMDate> ZRMDateFormatter::dateFromString(std::string_view text) const {
+    if (readsHttpDates_) {
+        if (const auto date = zrm_dateFromHttpDate(text)) {
+            return date;
+        }
+    }
     if (!zrm_isValidUtf8(text)) {
         return std::nullopt;
     }

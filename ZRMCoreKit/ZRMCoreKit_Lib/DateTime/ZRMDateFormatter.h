@@ -14,7 +14,8 @@ inline constexpr const char* kZRMPosixLocaleIdentifier = "en_US_POSIX";
 
 // Gregorian calendar. Immutable to its users and safe from any thread; calls never run other code
 // of the library. Purely numeric patterns in UTC and the POSIX locale are written without a lock,
-// which makes the dates of events cheap; everything else goes through one formatter under a lock.
+// which makes the dates of events cheap, and the dates that servers write are read without one;
+// everything else goes through one formatter of ICU under a lock.
 class ZRMDateFormatter {
   public:
     // The time zone is an IANA name (an unknown one counts as GMT), the locale an ICU identifier. A
@@ -34,6 +35,7 @@ class ZRMDateFormatter {
 
   private:
     class IcuFormat;
-    std::optional<ZRMNumericDatePattern> numeric_;  // where the fast way is open
+    std::optional<ZRMNumericDatePattern> numeric_;  // where the fast way of writing is open
+    bool readsHttpDates_ = false;
     std::unique_ptr<IcuFormat> icu_;
 };

@@ -26,8 +26,8 @@ class ZRMRegularExpression {
     ZRMRegularExpression(const ZRMRegularExpression&) = delete;
     ZRMRegularExpression& operator=(const ZRMRegularExpression&) = delete;
 
-    // Absent when nothing matches, when the text is not valid UTF-8, and when matching it would
-    // take more memory than ICU allows itself (8 MB of alternatives kept).
+    // Absent when nothing matches, where there is no ICU, when the text is not valid UTF-8, and
+    // when matching it would take more memory than ICU allows itself (8 MB of alternatives kept).
     [[nodiscard]] std::optional<ZRMTextRange> firstMatch(std::string_view text) const;
 
     // What firstMatch() yields if that begins at 0, else absent; the rest of the text is not

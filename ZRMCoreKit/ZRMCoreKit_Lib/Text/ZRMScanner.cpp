@@ -3,16 +3,23 @@
 #include <algorithm>
 #include <limits>
 
-#include <unicode/uchar.h>
-
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMCodePoint.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMIcu.h"
 
 namespace {
+
+bool isWhiteSpace(std::int32_t character) {
+    if (character < 0x80) {
+        return character == ' ' || (character >= '\t' && character <= '\r');
+    }
+    const auto* const icu = ZRMIcu::shared();
+    return icu != nullptr && icu->u_isUWhiteSpace(character) != 0;
+}
 
 std::string_view withoutLeadingSpace(std::string_view text) {
     while (!text.empty()) {
         const auto [character, length] = zrm_firstCodePoint(text);
-        if (character < 0 || !u_isUWhiteSpace(character)) {
+        if (!isWhiteSpace(character)) {
             break;
         }
         text.remove_prefix(length);

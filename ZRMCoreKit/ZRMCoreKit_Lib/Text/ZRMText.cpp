@@ -5,11 +5,9 @@
 #include <cstdio>
 #include <cstring>
 
-#include <unicode/locid.h>
-#include <unicode/uchar.h>
-
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMCodePoint.h"
-#include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMUnicodeString.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMIcu.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMUtf16.h"
 
 namespace {
 
@@ -65,8 +63,31 @@ std::string mappedAscii(std::string_view text, char first, char last) {
     return mapped;
 }
 
-bool isControl(UChar32 character) {
-    return character >= 0 && (U_GET_GC_MASK(character) & (U_GC_CC_MASK | U_GC_CF_MASK)) != 0;
+// Without ICU the letters beyond ASCII stay as they are.
+std::string mapped(std::string_view text, char first, char last,
+                   decltype(&::u_strToLower) ZRMIcu::*map) {
+    const auto* const icu = zrm_isAscii(text) ? nullptr : ZRMIcu::shared();
+    if (icu == nullptr) {
+        return mappedAscii(text, first, last);
+    }
+    const auto units = zrm_utf16FromUtf8(text);
+    return zrm_utf8FromUtf16(
+        zrm_icuText(units.size(), [&](UChar* buffer, std::int32_t capacity, UErrorCode* status) {
+            return (icu->*map)(buffer, capacity, units.data(),
+                               static_cast<std::int32_t>(units.size()), "", status);
+        }));
+}
+
+bool isControl(std::int32_t character) {
+    if (character < 0x80) {
+        return (character >= 0 && character < ' ') || character == 0x7F;
+    }
+    const auto* const icu = ZRMIcu::shared();
+    if (icu == nullptr) {
+        return false;
+    }
+    const auto category = icu->u_charType(character);
+    return category == U_CONTROL_CHAR || category == U_FORMAT_CHAR;
 }
 
 }  // namespace
@@ -116,7 +137,7 @@ std::string zrm_repairedUtf8(std::string_view text) {
     }
     std::string repaired;
     repaired.reserve(text.size());
-    forEachCodePoint(text, [&](UChar32 character, std::size_t start, std::size_t length) {
+    forEachCodePoint(text, [&](std::int32_t character, std::size_t start, std::size_t length) {
         if (character < 0) {
             repaired.append("\xEF\xBF\xBD");
         } else {
@@ -130,7 +151,7 @@ std::string_view zrm_trimmedControlCharacters(std::string_view text) {
     std::size_t begin = text.size();
     std::size_t end = text.size();
     bool isInside = false;
-    forEachCodePoint(text, [&](UChar32 character, std::size_t start, std::size_t length) {
+    forEachCodePoint(text, [&](std::int32_t character, std::size_t start, std::size_t length) {
         if (isControl(character)) {
             return;
         }
@@ -144,21 +165,11 @@ std::string_view zrm_trimmedControlCharacters(std::string_view text) {
 }
 
 std::string zrm_lowercasedText(std::string_view text) {
-    if (zrm_isAscii(text)) {
-        return mappedAscii(text, 'A', 'Z');
-    }
-    std::string lowered;
-    zrm_unicodeString(text).toLower(icu::Locale::getRoot()).toUTF8String(lowered);
-    return lowered;
+    return mapped(text, 'A', 'Z', &ZRMIcu::u_strToLower);
 }
 
 std::string zrm_uppercasedText(std::string_view text) {
-    if (zrm_isAscii(text)) {
-        return mappedAscii(text, 'a', 'z');
-    }
-    std::string uppered;
-    zrm_unicodeString(text).toUpper(icu::Locale::getRoot()).toUTF8String(uppered);
-    return uppered;
+    return mapped(text, 'a', 'z', &ZRMIcu::u_strToUpper);
 }
 
 std::string zrm_addressText(const void* address) {

@@ -1,28 +1,26 @@
 #include <cmath>
 
-#include <unicode/datefmt.h>
-
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSDate/NSDate+ZRMCoreKit.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSDateComponents/NSDateComponents+ZRMCoreKit.h"
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSDateFormatter/NSDateFormatter+ZRMCoreKit.h"
-#include "ZRMCoreKit/ZRMCoreKit_Lib/Text/ZRMUnicodeString.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/DateTime/ZRMIcuDateFormat.h"
 
 namespace {
 
-icu::DateFormat::EStyle icuStyle(ZRMDateFormatterStyle style) {
+UDateFormatStyle icuStyle(ZRMDateFormatterStyle style) {
     switch (style) {
         case ZRMDateFormatterStyle::Short:
-            return icu::DateFormat::kShort;
+            return UDAT_SHORT;
         case ZRMDateFormatterStyle::Medium:
-            return icu::DateFormat::kMedium;
+            return UDAT_MEDIUM;
         case ZRMDateFormatterStyle::Long:
-            return icu::DateFormat::kLong;
+            return UDAT_LONG;
         case ZRMDateFormatterStyle::Full:
-            return icu::DateFormat::kFull;
+            return UDAT_FULL;
         case ZRMDateFormatterStyle::None:
             break;
     }
-    return icu::DateFormat::kNone;
+    return UDAT_NONE;
 }
 
 }  // namespace
@@ -63,16 +61,9 @@ std::string zrm_descriptionWithLocale(const ZRMLocaleSource& source, ZRMDate dat
         return {};
     }
     const auto identifier = locale.value_or(source.localeIdentifier());
-    const std::unique_ptr<icu::DateFormat> format(icu::DateFormat::createDateTimeInstance(
-        icuStyle(dateStyle), icuStyle(timeStyle), icu::Locale(identifier.c_str())));
-    std::string text;
-    if (format) {
-        format->adoptTimeZone(
-            icu::TimeZone::createTimeZone(zrm_unicodeString(source.timeZoneIdentifier())));
-        icu::UnicodeString unicode;
-        format->format(date.secondsSince1970 * 1e3, unicode).toUTF8String(text);
-    }
-    return text;
+    const auto format = ZRMIcuDateFormat::withStyles(icuStyle(dateStyle), icuStyle(timeStyle),
+                                                     source.timeZoneIdentifier(), identifier);
+    return format ? format->textFromMilliseconds(date.secondsSince1970 * 1e3) : std::string();
 }
 
 std::string zrm_localDescriptionWithDateStyle(const ZRMLocaleSource& source, ZRMDate date,

@@ -1,4 +1,5 @@
 #include "ZRMCoreKit/ZRMCoreKit_Lib/Categories/NSDateFormatter/NSDateFormatter+ZRMCoreKit.h"
+#include "ZRMCoreKit/ZRMCoreKit_Lib/DateTime/ZRMHttpDate.h"
 #include "ZRMPlatform/Ports/ZRMPlatform.h"
 
 namespace {
@@ -12,7 +13,7 @@ struct ServerTimeFormatter : ZRMDateFormatter {
 };
 
 template <class Formatter>
-std::shared_ptr<const ZRMDateFormatter> sharedFormatter(const char* pattern) {
+std::shared_ptr<const ZRMDateFormatter> sharedFormatter(std::string_view pattern) {
     const auto platform = ZRMPlatform::current();
     return platform->instances->shared<Formatter>([&] {
         return std::make_shared<Formatter>(pattern, platform->locale->timeZoneIdentifier(),
@@ -27,5 +28,5 @@ std::shared_ptr<const ZRMDateFormatter> zrm_iso8601DateTimeFormatter() {
 }
 
 std::shared_ptr<const ZRMDateFormatter> zrm_serverTimeFormatter() {
-    return sharedFormatter<ServerTimeFormatter>("EEE, dd MMM yyyy HH:mm:ss zzz");
+    return sharedFormatter<ServerTimeFormatter>(kZRMHttpDatePattern);
 }
