@@ -34,7 +34,8 @@ void setOutput(z_stream& stream, ZRMData& buffer) {
 }
 
 // A few compressors are kept between uses, so that not every event takes a quarter of a mebibyte
-// and gives it back: one, and a second once two threads compress at the same time. They are never
+// and gives it back: one, and a second once two threads compress at the same time. A thread prefers
+// the place of the one that it used last, whose tables its processor may still hold. They are never
 // destroyed, as a thread may compress while the process exits.
 class Compressor {
   public:
@@ -42,8 +43,8 @@ class Compressor {
     static std::unique_ptr<Compressor> take() {
         {
             const std::lock_guard lock(idleMutex());
-            for (auto*& kept : idle()) {
-                if (kept != nullptr) {
+            for (std::size_t tried = 0; tried < kPlaces; ++tried) {
+                if (auto*& kept = idle()[preferredPlace ^ tried]; kept != nullptr) {
                     return std::unique_ptr<Compressor>(std::exchange(kept, nullptr));
                 }
             }
@@ -55,9 +56,11 @@ class Compressor {
     static void giveBack(std::unique_ptr<Compressor> compressor) {
         const bool isFit = deflateReset(&compressor->stream_) == Z_OK;
         const std::lock_guard lock(idleMutex());
-        for (auto*& place : idle()) {
-            if (isFit && place == nullptr) {
-                place = compressor.release();
+        for (std::size_t tried = 0; isFit && tried < kPlaces; ++tried) {
+            const auto place = preferredPlace ^ tried;
+            if (idle()[place] == nullptr) {
+                idle()[place] = compressor.release();
+                preferredPlace = place;
                 return;
             }
         }
@@ -92,8 +95,11 @@ class Compressor {
         static auto* const mutex = new std::mutex;
         return *mutex;
     }
-    static std::array<Compressor*, 2>& idle() {
-        static std::array<Compressor*, 2> compressors{};
+    static constexpr std::size_t kPlaces = 2;
+    static thread_local std::size_t preferredPlace;
+
+    static std::array<Compressor*, kPlaces>& idle() {
+        static std::array<Compressor*, kPlaces> compressors{};
         return compressors;
     }
 
@@ -101,6 +107,8 @@ class Compressor {
     bool isReady_;
     std::array<Bytef, kGzipGrowth> output_{};
 };
+
+thread_local std::size_t Compressor::preferredPlace = 0;
 
 }  // namespace
 
