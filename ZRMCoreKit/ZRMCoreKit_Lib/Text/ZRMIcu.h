@@ -34,8 +34,8 @@
     apply(uregex_setText);       \
     apply(uregex_start)
 
-// Linking ICU costs every process 1.8 MiB and the time to bind its symbols, and few ever need it:
-// what an application and its server usually write is settled without.
+// Linking ICU costs every process 1.8 MiB and the time to bind its symbols at its start. What most
+// events and servers write is settled without.
 struct ZRMIcu {
     // Null where the system has no ICU of the release that the library was compiled with. From any
     // thread; the functions live as long as the process.
