@@ -19,7 +19,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds kLimit{60};
-constexpr std::chrono::microseconds kPause{1000};
+constexpr std::chrono::milliseconds kPause{1};
 
 std::string textIn(const boost::json::object& options, const char* key) {
     const auto* value = options.if_contains(key);

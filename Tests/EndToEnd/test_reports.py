@@ -1,4 +1,5 @@
 """What a host reports arrives, once and as laid down."""
+import plistlib
 import time
 
 from programs import EndToEndTest, Program
@@ -72,6 +73,20 @@ class Reports(EndToEndTest):
         self.assertTrue(tag)
         self.assertEqual([entry["event"]["UserLogoutEvent"]["environmentData"]["deviceTag"]
                           for entry in server.events()], [tag, tag])
+
+    def test_the_execution_session_outlives_a_process_that_exits_at_once(self):
+        defaults = self.place.home / "Library/Preferences/com.velorin.zrm.mobilekit.userdefaults.plist"
+        server = self.start_server()
+        first = self.start_host(server.port)
+        first.run_all(["activate"])
+        first.quit()
+        session = plistlib.loads(defaults.read_bytes())["ZRMExecSessionId"]
+        second = self.start_host(server.port)
+        second.run_all(["activate", "logout"])
+        self.assertEqual(second.drain(), 0)
+        second.quit()
+        self.assertEqual([entry["event"]["UserLogoutEvent"]["environmentData"]["execSessionId"]
+                          for entry in server.events()], [session])
 
     def test_a_tag_is_known_after_activation_only(self):
         server = self.start_server()
