@@ -59,6 +59,7 @@ template <class Source>
 ZRMDictionary zrm_eventBody(const Source& source,
                             std::type_identity_t<std::span<const ZRMEventField<Source>>> fields) {
     ZRMDictionary body;
+    body.reserve(fields.size());
     for (const auto& field : fields) {
         if (auto value = field.value(source)) {
             body.insert_or_assign(field.key, std::move(*value));

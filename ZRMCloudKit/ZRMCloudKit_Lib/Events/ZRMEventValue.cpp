@@ -35,7 +35,7 @@ ZRMDictionary zrm_repairedJson(const ZRMDictionary& dictionary) {
 }
 
 std::optional<ZRMJsonValue> zrm_eventValue(const std::string& text) {
-    return ZRMJsonValue(zrm_repairedUtf8(text));
+    return zrm_isValidUtf8(text) ? ZRMJsonValue(text) : ZRMJsonValue(zrm_repairedUtf8(text));
 }
 
 std::optional<ZRMJsonValue> zrm_eventValue(double number) {

@@ -4,6 +4,7 @@
 
 #include <concepts>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <type_traits>
@@ -43,8 +44,21 @@ std::optional<ZRMJsonValue> zrm_eventValue(const std::vector<Value>& values) {
     return array;
 }
 
+// A record that is an object of values like these, which need no second repair. Absent where null.
+template <class Record>
+requires requires(const Record& record) {
+    { record.dictionary() } -> std::same_as<ZRMDictionary>;
+}
+std::optional<ZRMJsonValue> zrm_eventValue(const std::shared_ptr<const Record>& record) {
+    return record ? std::optional<ZRMJsonValue>(record->dictionary()) : std::nullopt;
+}
+
 template <class Value>
 struct ZRMEventElement;
+template <class Record>
+struct ZRMEventElement<std::shared_ptr<const Record>> {
+    using Type = ZRMDictionary;
+};
 template <class Value>
 struct ZRMEventElement<std::optional<Value>> {
     using Type = Value;

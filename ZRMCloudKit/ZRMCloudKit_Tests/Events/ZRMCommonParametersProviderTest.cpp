@@ -31,6 +31,16 @@ TEST_F(ZRMCommonParametersProviderTest, WritesEnvironmentEventDateAndVersion) {
                              {"structVersion", 7U}}));
 }
 
+TEST_F(ZRMCommonParametersProviderTest, RepairsTheTextsOfTheEnvironment) {
+    environmentData_->osName = "a\xFF";
+    EXPECT_EQ(parameters(1, 0).at("environmentData").at("osName"), "a\xEF\xBF\xBD");
+}
+
+TEST_F(ZRMCommonParametersProviderTest, LeavesOutAnEnvironmentThatIsMissing) {
+    environmentData_ = nullptr;
+    EXPECT_FALSE(parameters(1, 0).contains("environmentData"));
+}
+
 TEST_F(ZRMCommonParametersProviderTest, LeavesOutTheServersTimeWhileItIsNotKnown) {
     serverTimeProvider_ = std::make_shared<ZRMServerTimeProvider>(device_.platform()->clock);
     EXPECT_FALSE(parameters(1, 0).contains("serverEventDateTime"));

@@ -56,7 +56,7 @@ ZRMCommonParametersProvider::ZRMCommonParametersProvider(
 
 ZRMDictionary ZRMCommonParametersProvider::parametersWithStructVersion(
     std::uint64_t structVersion, ZRMEventPermissions eventPermissions) const {
-    const ZRMCommonParameters parameters{environmentData_->dictionary(), eventDate_, structVersion,
+    const ZRMCommonParameters parameters{environmentData_, eventDate_, structVersion,
                                          serverDate(serverTimeProvider_.get()),
                                          permissionStates(*permissionsChecker_, eventPermissions)};
     return zrm_eventBody(parameters, ZRMCommonParameters::fields());

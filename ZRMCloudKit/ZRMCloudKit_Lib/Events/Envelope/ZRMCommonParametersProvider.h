@@ -12,7 +12,7 @@
 
 // A plain record; what is absent is left out.
 struct ZRMCommonParameters {
-    ZRMDictionary environmentData;
+    std::shared_ptr<const ZRMEnvironmentDataImpl> environmentData;
     ZRMDate eventDate;
     std::uint64_t structVersion = 0;
     std::optional<ZRMDate> serverDate;
