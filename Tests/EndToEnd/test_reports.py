@@ -1,4 +1,5 @@
 """What a host reports arrives, once and as laid down."""
+import pathlib
 import plistlib
 import time
 
@@ -87,6 +88,18 @@ class Reports(EndToEndTest):
         second.quit()
         self.assertEqual([entry["event"]["UserLogoutEvent"]["environmentData"]["execSessionId"]
                           for entry in server.events()], [session])
+
+    def test_only_the_fingerprint_opens_icu(self):
+        server = self.start_server()
+        host = self.start_host(server.port)
+        maps = pathlib.Path(f"/proc/{host.process.pid}/maps")
+        host.run_all(["activate", "login alice SUCCESS", "logout"])
+        self.assertEqual(host.drain(), 0)
+        self.assertNotIn("libicu", maps.read_text())
+        host.run_all(["analyze"])
+        self.assertEqual(host.drain(), 0)
+        self.assertIn("libicui18n", maps.read_text())
+        host.quit()
 
     def test_a_tag_is_known_after_activation_only(self):
         server = self.start_server()
