@@ -11,12 +11,9 @@ void ZRMLinuxCondition::unlock() {
 }
 
 bool ZRMLinuxCondition::waitUntil(ZRMDate deadline) {
-    std::unique_lock held(mutex_, std::adopt_lock);
-    const auto status = woken_.wait_until(held, zrm_timePoint(deadline));
-    held.release();  // the caller goes on holding it
-    return status == std::cv_status::no_timeout;
+    return woken_.waitUntil(mutex_, zrm_timePoint(deadline));
 }
 
 void ZRMLinuxCondition::signal() {
-    woken_.notify_one();
+    woken_.notifyOne();
 }

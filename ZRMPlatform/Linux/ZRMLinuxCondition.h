@@ -1,19 +1,17 @@
 // A condition whose deadlines follow the wall clock.
 #pragma once
 
-#include <condition_variable>
-#include <mutex>
-
 #include "ZRMPlatform/Ports/ZRMCondition.h"
+#include "ZRMPlatform/Ports/ZRMMutex.h"
 
 class ZRMLinuxCondition : public ZRMCondition {
   public:
-    void lock() override;
-    void unlock() override;
-    bool waitUntil(ZRMDate deadline) override;
+    void lock() override ZRM_ACQUIRE(mutex_);
+    void unlock() override ZRM_RELEASE(mutex_);
+    bool waitUntil(ZRMDate deadline) override ZRM_REQUIRES(mutex_);
     void signal() override;
 
   private:
-    std::mutex mutex_;
-    std::condition_variable woken_;
+    ZRMMutex mutex_;
+    ZRMConditionVariable woken_;
 };

@@ -1,8 +1,11 @@
 #include "ZRMPlatform/Linux/ZRMLinuxDefaultsFile.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <utility>
 #include <vector>
+
+#include <unistd.h>
 
 #include "ZRMPlatform/Linux/ZRMLinuxPropertyList.h"
 
@@ -14,9 +17,20 @@ struct Files {
     std::map<std::string, std::shared_ptr<ZRMLinuxDefaultsFile>> byPath ZRM_GUARDED_BY(mutex);
 };
 
+// The process that set a value last.
+std::atomic<pid_t> setter{0};
+
+// A child that was forked and set nothing has nothing to write, and may find locks that no thread
+// of its own holds.
+void writeAtExit() {
+    if (setter == ::getpid()) {
+        ZRMLinuxDefaultsFile::writeAll();
+    }
+}
+
 Files& files() {
     static auto* const all = [] {
-        static_cast<void>(std::atexit([] { ZRMLinuxDefaultsFile::writeAll(); }));
+        static_cast<void>(std::atexit(&writeAtExit));
         return new Files;
     }();
     return *all;
@@ -101,6 +115,7 @@ bool ZRMLinuxDefaultsFile::setValue(const std::string& key, Value value) {
         console_->write("Cannot write a value that holds a NUL to the user defaults " +
                         file_.path() + "\n");
     }
+    setter = ::getpid();
     const ZRMLockGuard lock(mutex_);
     held_.insert_or_assign(key, std::move(value));
     return isWritable && !std::exchange(isWriteDue_, true);

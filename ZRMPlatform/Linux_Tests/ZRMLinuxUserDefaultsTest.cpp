@@ -144,6 +144,15 @@ TEST_F(ZRMLinuxUserDefaultsTest, TextsComeBackExactly) {
     }
 }
 
+TEST_F(ZRMLinuxUserDefaultsTest, AForkedChildThatExitsLeavesTheWritingToItsParent) {
+    GTEST_FLAG_SET(death_test_style, "fast");
+    open()->setString("text", "value");
+    EXPECT_EXIT(std::exit(0), testing::ExitedWithCode(0), "");
+    EXPECT_FALSE(std::filesystem::exists(file()));
+    writes_->runAll();
+    EXPECT_TRUE(std::filesystem::exists(file()));
+}
+
 TEST_F(ZRMLinuxUserDefaultsTest, TheFileIsAnXmlPropertyListThatOnlyItsOwnerReads) {
     open()->setString("key", "value");
     writes_->runAll();

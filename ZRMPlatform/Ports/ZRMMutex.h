@@ -43,11 +43,12 @@ class ZRMConditionVariable {
         notified_.wait(held);
         held.release();
     }
-    // By the wall clock.
-    void waitUntil(ZRMMutex& mutex, std::chrono::system_clock::time_point end) ZRM_REQUIRES(mutex) {
+    // By the wall clock. False when the end passed first.
+    bool waitUntil(ZRMMutex& mutex, std::chrono::system_clock::time_point end) ZRM_REQUIRES(mutex) {
         std::unique_lock held(mutex.mutex_, std::adopt_lock);
-        notified_.wait_until(held, end);
+        const auto status = notified_.wait_until(held, end);
         held.release();
+        return status == std::cv_status::no_timeout;
     }
     void notifyOne() { notified_.notify_one(); }
 
