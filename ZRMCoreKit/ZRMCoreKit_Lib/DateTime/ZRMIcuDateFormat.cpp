@@ -10,9 +10,25 @@ std::int32_t lengthOf(std::u16string_view text) {
     return static_cast<std::int32_t>(text.size());
 }
 
+// Null where ICU refuses what it is told, or is absent. The pattern counts with UDAT_PATTERN alone.
+UDateFormat* openFormat(UDateFormatStyle dateStyle, UDateFormatStyle timeStyle,
+                        std::u16string_view timeZone, const std::string& locale,
+                        std::u16string_view pattern = {}) {
+    const auto* const icu = ZRMIcu::shared();
+    if (icu == nullptr) {
+        return nullptr;
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    UDateFormat* const format =
+        icu->udat_open(timeStyle, dateStyle, locale.c_str(), timeZone.data(), lengthOf(timeZone),
+                       pattern.data(), lengthOf(pattern), &status);
+    return U_SUCCESS(status) ? format : nullptr;
+}
+
 // False where there is no such calendar.
-bool useGregorianCalendar(const ZRMIcu& icu, UDateFormat* format, std::u16string_view timeZone,
+bool useGregorianCalendar(UDateFormat* format, std::u16string_view timeZone,
                           const std::string& locale) {
+    const auto& icu = *ZRMIcu::shared();
     UErrorCode status = U_ZERO_ERROR;
     UCalendar* const calendar =
         icu.ucal_open(timeZone.data(), lengthOf(timeZone), locale.c_str(), UCAL_GREGORIAN, &status);
@@ -29,19 +45,12 @@ bool useGregorianCalendar(const ZRMIcu& icu, UDateFormat* format, std::u16string
 std::unique_ptr<ZRMIcuDateFormat> ZRMIcuDateFormat::withPattern(std::string_view pattern,
                                                                 std::string_view timeZone,
                                                                 const std::string& locale) {
-    const auto* const icu = ZRMIcu::shared();
-    if (icu == nullptr) {
-        return nullptr;
-    }
     const auto zone = zrm_utf16FromUtf8(timeZone);
-    const auto letters = zrm_utf16FromUtf8(pattern);
-    UErrorCode status = U_ZERO_ERROR;
-    Format format(icu->udat_open(UDAT_PATTERN, UDAT_PATTERN, locale.c_str(), zone.data(),
-                                 lengthOf(zone), letters.data(), lengthOf(letters), &status));
-    if (U_FAILURE(status) || !useGregorianCalendar(*icu, format.get(), zone, locale)) {
+    Format format(openFormat(UDAT_PATTERN, UDAT_PATTERN, zone, locale, zrm_utf16FromUtf8(pattern)));
+    if (!format || !useGregorianCalendar(format.get(), zone, locale)) {
         return nullptr;
     }
-    icu->udat_setLenient(format.get(), 0);
+    ZRMIcu::shared()->udat_setLenient(format.get(), 0);
     return std::unique_ptr<ZRMIcuDateFormat>(new ZRMIcuDateFormat(std::move(format)));
 }
 
@@ -49,17 +58,9 @@ std::unique_ptr<ZRMIcuDateFormat> ZRMIcuDateFormat::withStyles(UDateFormatStyle 
                                                                UDateFormatStyle timeStyle,
                                                                std::string_view timeZone,
                                                                const std::string& locale) {
-    const auto* const icu = ZRMIcu::shared();
-    if (icu == nullptr) {
-        return nullptr;
-    }
-    const auto zone = zrm_utf16FromUtf8(timeZone);
-    UErrorCode status = U_ZERO_ERROR;
-    Format format(icu->udat_open(timeStyle, dateStyle, locale.c_str(), zone.data(), lengthOf(zone),
-                                 nullptr, 0, &status));
-    return U_SUCCESS(status)
-               ? std::unique_ptr<ZRMIcuDateFormat>(new ZRMIcuDateFormat(std::move(format)))
-               : nullptr;
+    Format format(openFormat(dateStyle, timeStyle, zrm_utf16FromUtf8(timeZone), locale));
+    return format ? std::unique_ptr<ZRMIcuDateFormat>(new ZRMIcuDateFormat(std::move(format)))
+                  : nullptr;
 }
 
 std::string ZRMIcuDateFormat::textFromMilliseconds(double milliseconds) const {
