@@ -7,8 +7,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr double kDay = 86400;
-
 class ZRMStatisticsServiceStartTest : public ZRMStatisticsServiceFixture {};
 
 }  // namespace

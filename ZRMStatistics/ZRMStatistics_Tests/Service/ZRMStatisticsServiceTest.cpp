@@ -11,8 +11,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::MatchesRegex;
 
-constexpr double kDay = 86400;
-
 class ZRMStatisticsServiceTest : public ZRMStatisticsServiceFixture {};
 
 }  // namespace

@@ -9,6 +9,8 @@
 // Its sender only records.
 class ZRMStatisticsServiceFixture : public ZRMStatisticsDeviceTest {
   protected:
+    static constexpr double kDay = 86400;
+
     void makeService(std::int64_t maxStorageSize = kZRMStatisticsMaxStorageSize) {
         service_.reset();
         storage_ = openStorage();
