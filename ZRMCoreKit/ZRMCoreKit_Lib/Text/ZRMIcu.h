@@ -41,6 +41,7 @@ struct ZRMIcu {
     // thread; the functions live as long as the process.
     static const ZRMIcu* shared();
 
+// NOLINTNEXTLINE(bugprone-macro-parentheses): the last use declares
 #define ZRM_ICU_MEMBER(name) decltype(&::name) name = nullptr
     ZRM_ICU_FUNCTIONS(ZRM_ICU_MEMBER);
 #undef ZRM_ICU_MEMBER
