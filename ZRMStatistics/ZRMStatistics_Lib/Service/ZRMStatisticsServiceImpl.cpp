@@ -71,7 +71,7 @@ void ZRMStatisticsServiceImpl::start() {
     if (!storage_) {
         return;
     }
-    // In one block, so that a record stored meanwhile is either counted here or reported, not both.
+    // In one block, so that no save comes between following the store and resending what it holds.
     storage_->context()->performBlockAndWait([this] {
         const auto dataSource = ZRMStatisticsDataSource::create(storage_->context());
         dataSource->addObserver(shared_from_this());
